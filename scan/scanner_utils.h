@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QString>
+#include <QVariant>
+
+#include <cstdint>
+
+class ScanedResultInfo;
+
+namespace platform {
+struct ScanResult;
+}
+
+// Stateless helpers shared by the whole program: vendor lookup, MAC and name normalisation,
+// the texts of platform mode codes, hex and bit-string conversion, number and date formatting,
+// user settings, the host address and the platform generation test. Thread-safe.
+class ScannerUtils {
+public:
+    ScannerUtils() = delete;
+
+    static void initOui();
+    // Loads the vendor table from another file (tests); a missing file gives an empty table.
+    static void loadOuiFrom(const QString& path);
+    static QString vendorNameForMAC(const QString& mac);
+    static QString normalizeMAC(const QString& mac);
+    static QString shortMAC(const QString& mac);
+    static QString normalizeString(const QString& text);
+    static bool hasValue(const QString& text);
+
+    static QString stringForLastSeenDate(const QDateTime& date);
+    // Same, measured against a given "now" (tests and callers that already hold the time).
+    static QString stringForLastSeenDate(const QDateTime& date, const QDateTime& now);
+    // Unicode date pattern in the local time zone: "YYYY" is the week-based year, "hh" the
+    // 12-hour clock, "SSSS" fractional seconds.
+    static QString formatDate(const QString& pattern, const QDateTime& date);
+
+    static QString stringForChannelBond(int channel);
+    static double channelBondForChannel(int channel);
+    static double intForChannelBond(int channel);
+
+    static QString stringForPHYMode(int code);
+    static QString getSupportedPHYModeString(const platform::ScanResult& network);
+    static int securityModeForString(const QString& text);
+    // Null QString where the table of the active generation has no text.
+    static QString stringForSecurityMode(int code);
+    static QString stringForOpMode(int code);
+
+    static QString getIP();
+    static bool isOSSnowLeopard();
+    static float GetOSVersion();
+
+    // Decimal, at most one fractional digit, "." separator, no grouping, half-even rounding.
+    static QString formatNumber(float value);
+
+    // MCS index of the interface's transmit rate, using the record's short-GI flags.
+    static int getMCSIndexUsingTXRate(double txRateMbps, int channelWidthMhz, const ScanedResultInfo& networkInfo);
+
+    static QVariant getUserSettingForKey(const QString& key);
+    static void setUserSetting(const QVariant& value, const QString& key);
+
+    static int getIntData(const QByteArray& bytes, int position);
+    static QString toBinary(std::uint64_t value, int digits);
+    // Null QString for odd-length input; each byte becomes the character of the same code point.
+    static QString stringFromHexString(const QString& hex);
+    static QByteArray NSDataFromHexString(const QString& hex);
+    static void tempPrint(int length, const unsigned char* bytes);
+    static void printNSData(const QByteArray& bytes);
+};
