@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 #include <cstdint>
@@ -48,6 +49,8 @@ public:
     static QString stringForOpMode(int code);
 
     static QString getIP();
+    // The same rules over given address texts.
+    static QString getIP(const QStringList& addresses);
     static bool isOSSnowLeopard();
     static float GetOSVersion();
 

@@ -6,6 +6,7 @@
 #include <QVariantMap>
 
 #include <memory>
+#include <mutex>
 
 class QSettings;
 
@@ -52,6 +53,8 @@ signals:
     void saveFailed(const QString& message);
 
 private:
+    // QSettings is reentrant, not thread-safe: one instance is shared by every reader.
+    mutable std::mutex mutex_;
     std::unique_ptr<QSettings> store_;
     QVariantMap defaults_;
 };
