@@ -1,0 +1,169 @@
+#include "app/settings/settings_store.h"
+#include "scan/scaned_result_info.h"
+#include "scan/scanner_utils.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+
+const QString htSelector =
+    QStringLiteral("BSS requires support for mandatory features of HT PHY (IEEE 802.11 - Clause 20)");
+
+// A record as the driver hands it over after a reset, so "unchanged" is distinguishable.
+ScanedResultInfo parsed(const QByteArray& hex, int channelWidth = 20)
+{
+    ScanedResultInfo record;
+    record.bssid = QStringLiteral("00:11:22:33:44:55");
+    record.shortGIFor24MhzEnabled = -1;
+    record.shortGIFor40MhzEnabled = -1;
+    record.isWPS = -1;
+    record.connectedClientCount = -1;
+    record.channelOffset = 7;
+    record.channelWidth = channelWidth;
+    record.parseInformationElement(QByteArray::fromHex(hex));
+    return record;
+}
+
+TEST(InformationElementParser, RateElementsKeepBasicMarksOnlyWhenExtended)
+{
+    const struct { const char* hex; QStringList rates; } cases[] = {
+        {"01 04 82 84 8B 96", {"1", "2", "5.5", "11"}},
+        {"32 04 82 84 8B 96", {"1(B)", "2(B)", "5.5(B)", "11(B)"}},
+        {"01 03 FF 7F 0C 32 02 FF EC", {htSelector, "6", htSelector, "54(B)"}},
+        {"01 01 02 32 01 02", {"1", "1"}},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(parsed(c.hex).supportedDataRates, c.rates) << c.hex;
+    }
+}
+
+TEST(InformationElementParser, BssLoad)
+{
+    const struct { const char* hex; std::int64_t clients; std::int64_t utilization; } cases[] = {
+        {"0B 05 05 00 80 00 00", 5, 51},
+        {"0B 05 00 00 00 00 00", 0, 0},
+        {"0B 03 02 01 99", 258, 60},
+        {"0B 03 00 00 01", 0, 1},
+        {"0B 03 00 00 FF", 0, 100},
+        {"0B 03 05 00", 5, -1},
+        {"0B 01 05", -1, -1},
+    };
+    for (const auto& c : cases) {
+        const ScanedResultInfo r = parsed(c.hex);
+        EXPECT_EQ(r.connectedClientCount, c.clients) << c.hex;
+        EXPECT_EQ(r.channelUtilization, c.utilization) << c.hex;
+    }
+}
+
+TEST(InformationElementParser, HtCapabilitiesGuardIntervalAndStreams)
+{
+    const struct { unsigned char capabilities; const char* mcs; int sgi20; int sgi40; std::int64_t streams; } cases[] = {
+        {0x0C, "FF000000", 1, 0, 1}, {0x02, "FFFF0000", 0, 1, 2}, {0x01, "FF00FF00", -1, -1, 2},
+        {0x00, "FFFFFFFF", -1, -1, 4},
+    };
+    for (const auto& c : cases) {
+        const QByteArray capabilities = QByteArray::number(c.capabilities, 16).rightJustified(2, '0');
+        const ScanedResultInfo r = parsed("2D1A" + capabilities + "0000" + c.mcs + QByteArray(38, '0'));
+        EXPECT_EQ(r.shortGIFor24MhzEnabled, c.sgi20) << static_cast<int>(c.capabilities);
+        EXPECT_EQ(r.shortGIFor40MhzEnabled, c.sgi40) << static_cast<int>(c.capabilities);
+        EXPECT_EQ(r.numberOfStreams, c.streams) << static_cast<int>(c.capabilities);
+    }
+}
+
+TEST(InformationElementParser, RsnCiphers)
+{
+    const struct { const char* hex; const char* group; const char* pairwise; } cases[] = {
+        {"30 18 0100 000FAC04 0200 000FAC02 000FAC04 0100 000FAC02 0000", "CCMP", "TKIP + CCMP"},
+        {"30 0C 0100 00904C04 0100 000FAC04", "Vendor specific", "CCMP"},
+        {"30 1A 0100 000FAC04 0300 000FAC04 000FAC02 000FAC01 0100 000FAC02", "CCMP", "CCMP + TKIP"},
+        {"30 10 0100 000FAC02 0200 00904C04 000FAC04", "TKIP", "CCMP"},
+        {"30 08 0100 000FAC03 0000", "Reserved", ""},
+    };
+    for (const auto& c : cases) {
+        const ScanedResultInfo r = parsed(c.hex);
+        EXPECT_EQ(r.groupDataChiperEncryption, QLatin1String(c.group)) << c.hex;
+        EXPECT_EQ(r.pairWiseChiperEncryption, QLatin1String(c.pairwise)) << c.hex;
+    }
+}
+
+TEST(InformationElementParser, HtOperationAndMobilityDomain)
+{
+    const struct { const char* hex; int width; std::int64_t offset; const char* protection; const char* mobility; } cases[] = {
+        {"3D 03 24 05 05 36 03 12 34 01", 40, 1, "Non Member", "Yes (Air)"},
+        {"3D 03 24 07 03 36 03 12 35 00", 40, -1, "Non HT Mixed", "Yes (DS)"},
+        {"3D 03 24 04 02 36 03 12 01 00", 40, 0, "20 MHz", "Yes (Air)"},
+        {"3D 03 24 06 04 36 01 12", 40, 7, "Disabled", "N/A"},
+        {"3D 03 24 01 01", 40, 7, "Disabled", "N/A"},
+        {"3D 03 24 05 00", 80, 0, "Disabled", "N/A"},
+    };
+    for (const auto& c : cases) {
+        const ScanedResultInfo r = parsed(c.hex, c.width);
+        EXPECT_EQ(r.channelOffset, c.offset) << c.hex;
+        EXPECT_EQ(r.protectionMode, QLatin1String(c.protection)) << c.hex;
+        EXPECT_EQ(r.mobilityDomain, QLatin1String(c.mobility)) << c.hex;
+    }
+}
+
+TEST(InformationElementParser, AccessPointNamesAndWps)
+{
+    const QByteArray deviceName = "851A" + QByteArray(18, '0') + "41502D4CE9626279" + QByteArray(16, '0') + "00";
+    EXPECT_EQ(parsed(deviceName).apname, QString::fromLatin1("AP-L\xE9" "bby\0\0\0\0\0\0\0\0", 16));
+    EXPECT_TRUE(parsed("8518" + QByteArray(48, '0')).apname.isNull());
+
+    EXPECT_EQ(parsed("DD 05 0050F2 04 10").isWPS, 1);
+    EXPECT_EQ(parsed("DD 05 0050F2 02 01").isWPS, -1);
+
+    QTemporaryDir dir;
+    SettingsStore::setShared(std::make_unique<SettingsStore>(dir.filePath("settings.conf")));
+    const ScanedResultInfo named = parsed("DD 0C 000B86 01 03 6C6F6262792D31");
+    EXPECT_EQ(named.apname, QStringLiteral("lobby-1"));
+    EXPECT_EQ(ScannerUtils::getUserSettingForKey(named.bssid + "-apname").toString(), QStringLiteral("lobby-1"));
+
+    ScanedResultInfo unnamed;
+    unnamed.bssid = QStringLiteral("66:77:88:99:AA:BB");
+    unnamed.parseInformationElement(QByteArray::fromHex("DD 05 000B86 01 03"));
+    EXPECT_TRUE(unnamed.apname.isEmpty());
+    EXPECT_FALSE(ScannerUtils::getUserSettingForKey(unnamed.bssid + "-apname").isValid());
+    SettingsStore::setShared(nullptr);
+}
+
+// Reads run on into the next element; a read past the end stops the walk except in the
+// BSS Load, HT Capabilities and device-name handlers, and the end-of-parse steps always run.
+TEST(InformationElementParser, ReadsPastTheEnd)
+{
+    EXPECT_EQ(parsed("30 00 01 04 82").supportedDataRates, QStringList());
+    EXPECT_EQ(parsed("2D 00 01 04 82").supportedDataRates, QStringList{"1"});
+
+    const ScanedResultInfo load = parsed("0B 00 01 04 82");
+    EXPECT_EQ(load.connectedClientCount, 1025);
+    EXPECT_EQ(load.channelUtilization, 51);
+    EXPECT_EQ(load.supportedDataRates, QStringList{"1"});
+
+    const ScanedResultInfo caps = parsed("2D 1A 0C 00 00 FF FF");
+    EXPECT_EQ(caps.shortGIFor24MhzEnabled, 1);
+    EXPECT_EQ(caps.numberOfStreams, 0);
+
+    const ScanedResultInfo rsn = parsed("30 0C 0100 000FAC04 0200 000FAC04");
+    EXPECT_EQ(rsn.groupDataChiperEncryption, QStringLiteral("CCMP"));
+    EXPECT_TRUE(rsn.pairWiseChiperEncryption.isNull());
+
+    const ScanedResultInfo operation = parsed("3D 02 24 05");
+    EXPECT_EQ(operation.channelOffset, 1);
+    EXPECT_EQ(operation.protectionMode, QStringLiteral("N/A"));
+
+    ScanedResultInfo empty;
+    empty.connectedClientCount = 3;
+    empty.protectionMode = QStringLiteral("Disabled");
+    empty.parseInformationElement(QByteArray::fromHex("01"));
+    EXPECT_EQ(empty.channelUtilization, -1);
+    EXPECT_EQ(empty.connectedClientCount, 3);
+    EXPECT_EQ(empty.supportedDataRates, QStringList());
+    EXPECT_EQ(empty.protectionMode, QStringLiteral("Disabled"));
+    EXPECT_EQ(empty.mobilityDomain, QStringLiteral("N/A"));
+}
+
+}  // namespace
