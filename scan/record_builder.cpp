@@ -1,0 +1,114 @@
+#include "scan/record_builder.h"
+
+#include "platform/api/platform_flags.h"
+#include "scan/scanner_utils.h"
+
+#include <utility>
+
+namespace {
+
+// The oldest interface reports no width, only the HT secondary-channel offset.
+void applyWidthFromOffset(ScanedResultInfo& record)
+{
+    if (record.channelOffset == 0)
+        record.channelWidth = 20;
+    else if (record.channelOffset == 1 || record.channelOffset == -1)
+        record.channelWidth = 40;
+}
+
+int widthFromCode(platform::ChannelWidthCode code)
+{
+    switch (code) {
+    case platform::ChannelWidthCode::Width80MHz: return 80;
+    case platform::ChannelWidthCode::Width160MHz: return 160;
+    default: return 20 * static_cast<int>(code);
+    }
+}
+
+void decodeElements(ScanedResultInfo& record, const platform::ScanResult* network)
+{
+    static const QByteArray noElements;
+    if (platform::isOSSnowLeopard()) {
+        record.parseInformationElement(network ? network->ieData() : noElements);
+        record.cc = QStringLiteral("N/A");
+        applyWidthFromOffset(record);
+        record.securityModeString = ScannerUtils::stringForSecurityMode(record.securityMode);
+        return;
+    }
+    record.parseInformationElement(network ? network->informationElementData : noElements);
+    if (network) {
+        record.cc = network->countryCode;
+        record.channelWidth = widthFromCode(network->channelWidth);
+    }
+}
+
+} // namespace
+
+ScanedResultInfo buildRecord(const StoredObservation& row,
+                             std::shared_ptr<const platform::ScanResult> network,
+                             const QHash<QString, QString>* securityTexts)
+{
+    ScanedResultInfo record;
+    record.bssid = row.bssid;
+    record.network = std::move(network);
+    record.ssid = row.ssid;
+    record.originalChannel = row.originalChannel;
+    record.channel = row.channel.isEmpty() ? QString::number(row.originalChannel) : row.channel;
+    record.supportedPHYModes = row.phyModes;
+    record.rssi = row.rssi;
+    record.noise = row.noise;
+    record.securityMode = row.securityMode;
+    if (securityTexts)
+        record.securityModeString = securityTexts->value(row.bssid);
+    record.ibss = static_cast<std::int8_t>(row.ibss);
+    record.lastSeen = row.lastSeen;
+    record.channelBond = row.channelBond;
+
+    decodeElements(record, record.network.get());
+
+    // Some platforms report 40 MHz for three-stream 802.11ac access points that run at 80.
+    if (record.numberOfStreams == 3 && record.channelWidth == 40 && record.supportedPHYModes.endsWith(QLatin1String("ac")))
+        record.channelWidth = 80;
+    if (record.channelWidth >= 80)
+        record.channelOffset = 0;
+
+    // A noise of 0 means the service did not measure it; assume the typical floor of the band.
+    if (record.noise == 0) {
+        if (record.channelBond < 3.0)
+            record.noise = -92;
+        else if (record.channelBond > 3.0)
+            record.noise = -94;
+    }
+    record.singnalToNoise = record.rssi - record.noise;
+    if (record.singnalToNoise < 0)
+        record.singnalToNoise = 0;
+
+    if (record.numberOfStreams == 0)
+        record.numberOfStreams = 1;
+
+    record.vendorName = ScannerUtils::vendorNameForMAC(record.bssid);
+    const QString tag = ScannerUtils::getUserSettingForKey(record.bssid).toString();
+    record.bssidTag = ScannerUtils::hasValue(tag) ? tag : QStringLiteral("");
+    return record;
+}
+
+StoredObservation observationFromScanResult(const platform::ScanResult& network, const QDateTime& seen)
+{
+    StoredObservation row;
+    row.bssid = ScannerUtils::normalizeMAC(network.bssid);
+    row.ssid = network.ssid;
+    row.originalChannel = network.channelNumber;
+    row.phyModes = ScannerUtils::getSupportedPHYModeString(network);
+    row.rssi = network.rssiValue;
+    row.noise = network.noiseMeasurement;
+    row.singnalToNoise = network.rssiValue - network.noiseMeasurement;
+    row.securityMode = network.securityMode;
+    row.ibss = network.ibss ? 1 : 0;
+    row.lastSeen = seen;
+    switch (network.channelBand) {
+    case platform::ChannelBand::Band5GHz: row.channelBond = 5.0; break;
+    case platform::ChannelBand::Band2GHz: row.channelBond = 2.4; break;
+    case platform::ChannelBand::Unknown: row.channelBond = ScannerUtils::channelBondForChannel(network.channelNumber); break;
+    }
+    return row;
+}

@@ -1,0 +1,180 @@
+#include "app/settings/settings_store.h"
+#include "scan/scaned_result_info.h"
+#include "scan/scanner_utils.h"
+#include "scan/value_transformers.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const char* const visibilityKeys[] = {
+    "bssidTagColumnVisible", "vendorNameColumnVisible", "channelColumnVisible", "channelWidthColumnVisible",
+    "channelBondColumnVisible", "rssiColumnVisible", "noiseColumnVisible", "snColumnVisible", "phyModeColumnVisible",
+    "numberOfStreamsColumnVisible", "maxDataRateColumnVisible", "securityColumnVisible", "wpsColumnVisible",
+    "apnameColumnVisible", "connectedClientsColumnVisible", "channelUtilizationColumnVisible",
+    "protectionModeColumnVisible", "mobilityDomainColumnVisible", "ibssColumnVisible", "ccColumnVisible",
+    "lastseenColumnVisible"};
+constexpr std::uint32_t allColumns = (1u << 21) - 1;
+
+// Splits one CSV line the way a spreadsheet would: quoted cells may hold commas, quotes and newlines.
+QStringList csvCells(const QString& line)
+{
+    QStringList cells{QString()};
+    bool quoted = false;
+    for (qsizetype i = 0; i < line.size(); ++i) {
+        const QChar c = line.at(i);
+        if (c == u'"' && quoted && i + 1 < line.size() && line.at(i + 1) == u'"')
+            cells.last() += line.at(++i);
+        else if (c == u'"')
+            quoted = !quoted;
+        else if (c == u',' && !quoted)
+            cells.append(QString());
+        else if (c != u'\n' || quoted)
+            cells.last() += c;
+    }
+    cells.removeLast();  // after the comma that closes the last cell
+    return cells;
+}
+
+class RecordExportTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(dir_.isValid());
+        SettingsStore::setShared(std::make_unique<SettingsStore>(dir_.filePath(QStringLiteral("settings.conf"))));
+        showColumns(allColumns);
+    }
+    void TearDown() override { SettingsStore::setShared(nullptr); }
+
+    // Bit i shows the column of visibilityKeys[i].
+    static void showColumns(std::uint32_t mask)
+    {
+        for (const char* key : visibilityKeys) {
+            ScannerUtils::setUserSetting(mask & 1u, QLatin1String(key));
+            mask >>= 1;
+        }
+    }
+
+    static ScanedResultInfo sample(const char* exportType)
+    {
+        ScanedResultInfo r;
+        r.exportType = QLatin1String(exportType);
+        r.ssid = QStringLiteral("lab");
+        r.bssid = QStringLiteral("AA:BB:CC:00:00:01");
+        r.bssidTag = QStringLiteral("desk");
+        r.vendorName = QStringLiteral("Acme Corp");
+        r.originalChannel = 6;
+        r.channelOffset = -1;
+        r.channelWidth = 40;
+        r.channelBond = 2.4;
+        r.rssi = -50;
+        r.noise = -92;
+        r.singnalToNoise = 42;
+        r.supportedPHYModes = QStringLiteral("b/g/n");
+        r.supportedDataRates = QStringList{QStringLiteral("1(B)"), QStringLiteral("54(B)")};
+        r.securityModeString = QStringLiteral("WPA2 Personal");
+        r.groupDataChiperEncryption = QStringLiteral("CCMP");
+        r.isWPS = -1;
+        r.connectedClientCount = 0;
+        r.channelUtilization = 0;
+        r.lastSeen = QDateTime(QDate(2024, 5, 6), QTime(7, 8, 9));
+        return r;
+    }
+
+    QTemporaryDir dir_;
+};
+
+} // namespace
+
+TEST_F(RecordExportTest, CsvRowCarriesEveryColumnInTheTableFormats)
+{
+    showColumns(0);
+    ScanedResultInfo r = sample("csv");
+    EXPECT_EQ(r.toString(),
+              QStringLiteral("\"lab\",AA:BB:CC:00:00:01,desk,\"Acme Corp\",\"6,-1\",40 MHz,2.4 GHz,-50 dBm,-92 dBm,42 dB,"
+                             "b/g/n,,54.0 Mbps,\"WPA2 Personal\",CCMP,,,,N/A,0%,N/A,N/A,No,,2024-05-06 07:08:09,\n"));
+    EXPECT_EQ(csvCells(r.getHeader()).size(), csvCells(r.toString()).size() + 1);  // + the test name
+    EXPECT_TRUE(r.getHeader().contains(QLatin1String("\"GCDE\"")));
+
+    struct Case { std::int64_t offset; double band; const char* cells; };
+    const Case cases[] = {{0, 5.0, ",36,40 MHz,5 GHz,"}, {1, 5.0, ",\"36,+1\",40 MHz,5 GHz,"}, {-7, 2.4, ",\"36,-7\",40 MHz,2.4 GHz,"}};
+    for (const Case& c : cases) {
+        r.originalChannel = 36;
+        r.channelOffset = c.offset;
+        r.channelBond = c.band;
+        EXPECT_TRUE(r.toString().contains(QLatin1String(c.cells))) << r.toString().toStdString();
+    }
+}
+
+TEST_F(RecordExportTest, HtmlOmitsHiddenColumnsAndHeadingAgreesWithRow)
+{
+    for (const std::uint32_t visible : {allColumns, 0u, 0x155555u, 0x092492u, 0x004000u}) {
+        showColumns(visible);
+        ScanedResultInfo r = sample("html");
+        const QString header = r.getHeader();
+        const QString row = r.toString();
+        EXPECT_TRUE(header.startsWith(QLatin1String("<thead><tr><th>SSID</th>")) && header.endsWith(QLatin1String("</thead>\n")));
+        EXPECT_EQ(header.count(QLatin1String("<th>")), row.count(QLatin1String("<td>"))) << row.toStdString();
+        EXPECT_EQ(row.contains(QLatin1String("<td>N/A</td>")), (visible & 0x34000u) != 0);
+    }
+    showColumns(0);
+    EXPECT_EQ(sample("html").toString(), QStringLiteral("<td>lab</td><td>AA:BB:CC:00:00:01</td>"));
+}
+
+TEST_F(RecordExportTest, HostileTextsCannotBreakOutOfTheirCells)
+{
+    struct Case { const char* ssid; const char* apname; const char* ssidCell; const char* apnameCell; };
+    const Case cases[] = {
+        {"<script>alert(1)</script>", "a&b", "<script>alert(1)</script>", "a&b"},
+        {"say \"hi\"", "x,y", "say \"hi\"", "x,y"},
+        {"two\nlines", "\"quoted\"", "two\nlines", "\"quoted\""},
+        {"=HYPERLINK(\"x\")", "+1+1", "'=HYPERLINK(\"x\")", "'+1+1"},
+        {"@SUM(A1)", "-2", "'@SUM(A1)", "'-2"},
+    };
+    for (const Case& c : cases) {
+        ScanedResultInfo r = sample("csv");
+        r.ssid = QString::fromUtf8(c.ssid);
+        r.apname = QString::fromUtf8(c.apname);
+        r.bssidTag = QString::fromUtf8(c.apname);
+        const QStringList cells = csvCells(r.toString());
+        ASSERT_EQ(cells.size(), 25) << c.ssid;
+        EXPECT_EQ(cells.at(0), QString::fromUtf8(c.ssidCell));
+        EXPECT_EQ(cells.at(2), QString::fromUtf8(c.apnameCell));
+        EXPECT_EQ(cells.at(17), QString::fromUtf8(c.apnameCell));
+
+        r.exportType = QStringLiteral("html");
+        const QString html = r.toString();
+        EXPECT_TRUE(html.startsWith(QLatin1String("<td>") + QString::fromUtf8(c.ssid).toHtmlEscaped() + QLatin1String("</td>")));
+        EXPECT_FALSE(html.contains(QLatin1String("<script>")) || html.contains(QLatin1String("a&b")));
+    }
+}
+
+TEST(ValueTransformers, RegisteredNamesTurnNumbersIntoCellTexts)
+{
+    ValueTransformerRegistry::registerDefaultTransformers();
+    struct Case { const char* name; QVariant input; const char* text; };
+    const Case cases[] = {
+        {"NSBoolToStringTransformer", QVariant(), ""}, {"NSBoolToStringTransformer", -1, ""},
+        {"NSBoolToStringTransformer", QVariant::fromValue<qint8>(-1), ""}, {"NSBoolToStringTransformer", 1, "Yes"},
+        {"NSBoolToStringTransformer", 0, "No"}, {"NSBoolToEnableDIsableTransformer", -1, ""},
+        {"NSBoolToEnableDIsableTransformer", 1, "Enabled"}, {"NSBoolToEnableDIsableTransformer", 0, "Disabled"},
+        {"SignalToStringTransformer", 0, ""}, {"ChannelToStringTransformer", 80, "80 MHz"},
+        {"SpeedToStringTransformer", QVariant(), ""}, {"SpeedToStringTransformer", QStringLiteral("54(B)"), "54(B) Mbps"},
+        {"SpeedToStringTransformer", 144.4, "144.4 Mbps"}, {"ChannelBandTransformer", 0.0, ""},
+        {"ChannelBandTransformer", 2.4, "2.4 GHz"}, {"ChannelBandTransformer", 5.0, "5 GHz"},
+        {"SNRToStringTransformer", 0, ""}, {"SNRToStringTransformer", 34, "34 dB"},
+        {"NumberTransformer", 0, ""}, {"NumberTransformer", 12, "12"},
+        {"ChannelUtilizationTransformer", 0, ""}, {"ChannelUtilizationTransformer", 0.6, ""},
+        {"ChannelUtilizationTransformer", 51, "51%"},
+    };
+    for (const Case& c : cases) {
+        const auto transformer = ValueTransformerRegistry::valueTransformerForName(QLatin1String(c.name));
+        ASSERT_NE(transformer, nullptr) << c.name;
+        const QString text = transformer->transformedValue(c.input);
+        EXPECT_EQ(text, QLatin1String(c.text)) << c.name << " " << c.input.toString().toStdString();
+        EXPECT_FALSE(text.isNull()) << c.name;
+    }
+    EXPECT_EQ(ValueTransformerRegistry::valueTransformerForName(QStringLiteral("NSBoolToEnableDisableTransformer")), nullptr);
+}
