@@ -61,7 +61,7 @@ build_fuzzers() {
 run_fuzzers() {
     seconds=${FUZZ_SECONDS:-60}
     for target in "$ROOT"/build/fuzz/fuzz/fuzz_*; do
-        [ -x "$target" ] || continue
+        [ -f "$target" ] && [ -x "$target" ] || continue
         name=$(basename "$target")
         corpus="$ROOT/build/fuzz/corpus/$name"
         mkdir -p "$corpus"
