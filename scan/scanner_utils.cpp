@@ -182,7 +182,8 @@ QString ScannerUtils::stringForPHYMode(int code)
 QString ScannerUtils::getSupportedPHYModeString(const platform::ScanResult& network)
 {
     const auto& table = isOSSnowLeopard() ? olderSupportedPhyModes : currentSupportedPhyModes;
-    QString modes;
+    // Empty rather than null: a network with no known mode still has a (blank) mode text.
+    QString modes(QLatin1String(""));
     for (int code = 0; code < static_cast<int>(table.size()); ++code) {
         if (network.supportsPHYMode(code)) {
             modes += QLatin1String(table[static_cast<std::size_t>(code)]);

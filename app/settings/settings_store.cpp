@@ -233,6 +233,10 @@ void SettingsStore::setUserSetting(const QVariant& value, const QString& key)
     {
         std::lock_guard lock(mutex_);
         if (store_) {
+            // Decoding writes the same AP name for every beacon it sees; only a change costs a write.
+            if (store_->value(key) == value && store_->status() == QSettings::NoError) {
+                return;
+            }
             store_->setValue(key, value);
             store_->sync();
             saved = store_->status() == QSettings::NoError;

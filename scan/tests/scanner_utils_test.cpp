@@ -151,6 +151,8 @@ TEST(ScannerUtilsModes, SupportedPhyModesJoinedPerGeneration)
                 << c.modes << " oldest=" << oldest;
         }
     }
+    // A network with no known mode is stored and printed as "", never as a missing value.
+    EXPECT_FALSE(ScannerUtils::getSupportedPHYModeString(ScanResult{}).isNull());
 }
 
 TEST(ScannerUtilsNumbers, OneFractionDigitHalfEven)
