@@ -92,8 +92,8 @@ case "$cmd" in
         install_packages
         configure "$ROOT/build/bench" -DCMAKE_BUILD_TYPE=Release -DSKYVANE_TESTS=OFF
         cmake --build "$ROOT/build/bench" -j "$JOBS"
-        sh "$ROOT/bench/decode_vs_tshark.sh" "$ROOT/build/bench/app/cli/skyvane-cli"
-        for b in "$ROOT"/build/bench/bench/bench_*; do [ -x "$b" ] && "$b"; done
+        bash "$ROOT/bench/decode_vs_tshark.sh" "$ROOT/build/bench/app/cli/skyvane-cli"
+        for b in "$ROOT"/build/bench/bench/bench_*; do if [ -f "$b" ] && [ -x "$b" ]; then "$b"; fi; done
         ;;
     *)
         echo "usage: $0 run CAPTURE_FILE | test | bench" >&2
