@@ -1,5 +1,7 @@
 #include "scan/ieee_ie_frame_utils.h"
 
+#include "scan/hex_digit.h"
+
 #include <array>
 #include <utility>
 
@@ -26,18 +28,6 @@ std::array<QString, 256> makeRateTable()
     return table;
 }
 
-int hexDigitValue(QChar c)
-{
-    const char16_t u = c.unicode();
-    if (u >= u'0' && u <= u'9') {
-        return u - u'0';
-    }
-    if (u >= u'A' && u <= u'F') {
-        return u - u'A' + 10;
-    }
-    return -1;
-}
-
 }  // namespace
 
 const QString& IEEE_IE_FrameUtils::bitRateForByte(unsigned char byte)
@@ -49,7 +39,7 @@ const QString& IEEE_IE_FrameUtils::bitRateForByte(unsigned char byte)
 QString IEEE_IE_FrameUtils::getBitRate(const QString& hexByte)
 {
     // Keys are exactly the "%02X" texts, so lower-case or longer texts name no rate.
-    if (hexByte.size() != 2) {
+    if (hexByte.size() != 2 || hexByte[0].isLower() || hexByte[1].isLower()) {
         return {};
     }
     const int high = hexDigitValue(hexByte[0]);

@@ -1,5 +1,7 @@
 #include "scan/scanner_utils.h"
 
+#include "scan/hex_digit.h"
+
 #include "app/settings/settings_store.h"
 #include "platform/api/platform_flags.h"
 #include "platform/api/scan_result.h"
@@ -43,21 +45,6 @@ constexpr std::array<const char*, 11> currentSecurityModes{"Open", "WEP", "WPA P
 
 constexpr std::array<const char*, 4> olderOpModes{"Infrastructure", "IBSS", "Host Access Point", "Monitor Mode"};
 constexpr std::array<const char*, 4> currentOpModes{"None", "Infrastructure", "IBSS", "Host Access Point"};
-
-int hexDigitValue(QChar c)
-{
-    const char16_t u = c.unicode();
-    if (u >= u'0' && u <= u'9') {
-        return u - u'0';
-    }
-    if (u >= u'a' && u <= u'f') {
-        return u - u'a' + 10;
-    }
-    if (u >= u'A' && u <= u'F') {
-        return u - u'A' + 10;
-    }
-    return -1;
-}
 
 } // namespace
 
