@@ -1,0 +1,67 @@
+#pragma once
+
+#include "platform/api/wireless_interface.h"
+#include "platform/linux/network_manager_client.h"
+#include "platform/linux/nl80211_socket.h"
+#include "platform/linux/rfkill.h"
+
+#include <chrono>
+#include <memory>
+
+class QSocketNotifier;
+
+// A Wi-Fi network device of this machine: the kernel's wireless stack (nl80211) answers every
+// question about its state and what it heard; NetworkManager carries out what needs privilege
+// (scans, the radio switch, joining, profiles, secrets), so nothing has to run as root.
+namespace platform {
+
+class LinuxWirelessInterface final : public WirelessInterface {
+    Q_OBJECT
+public:
+    LinuxWirelessInterface(QString name, std::shared_ptr<NetworkManagerClient> networkManager,
+                           QObject* parent = nullptr);
+    ~LinuxWirelessInterface() override;
+
+    QString interfaceName() const override { return name_; }
+    InterfaceSnapshot snapshot() const override;
+
+    ScanOutcome scanForNetworksWithSSID(const QByteArray& ssid) override;
+    ScanOutcome scanForNetworksWithBSSID(const QString& bssid) override;
+    QList<ScanResult> cachedScanResults() const override;
+
+    MaybeError setPower(bool on) override;
+    void disassociate() override;
+    MaybeError associateToNetwork(const ScanResult& network, const QString& password) override;
+    MaybeError associateToEnterpriseNetwork(const ScanResult& network, const QString& identity,
+                                            const QString& username, const QString& password) override;
+    MaybeError startIBSSModeWithSSID(const QByteArray& ssid, int security, int channel,
+                                     const QString& password) override;
+
+    QList<NetworkProfile> networkProfiles() const override;
+    QList<EapProfile> allUser8021XProfiles() const override;
+
+    std::optional<QString> copyPassword(const QByteArray& ssid) const override;
+    std::optional<EapCredentials> copyEAPUsernameAndPassword(const QByteArray& ssid) const override;
+    std::optional<QString> copyEAPIdentity(const QByteArray& ssid) const override;
+
+    // Long enough for a full scan with passive DFS channels and NetworkManager's rate limit.
+    static constexpr std::chrono::milliseconds scanTimeout{15000};
+
+private:
+    int ifindex() const;
+    bool networkManagerAvailable() const;
+    NmResult<QString> devicePath() const;
+    bool powerOn(const QString& wiphyName) const;
+    ScanOutcome freshScan(const QList<QByteArray>& probes);
+    void waitForKernelScan(int index, const QList<QByteArray>& probes) const;
+    QList<ScanResult> collectResults(nl80211::RequestSocket& socket, int index, MaybeError* error) const;
+    void readConfigEvents();
+
+    QString name_;
+    std::shared_ptr<NetworkManagerClient> networkManager_;
+    rfkill::RfkillMonitor* rfkill_ = nullptr;
+    std::unique_ptr<nl80211::EventSocket> configEvents_;
+    QSocketNotifier* configNotifier_ = nullptr;
+};
+
+} // namespace platform
