@@ -57,6 +57,7 @@ public:
                 if (!facts)
                     continue;
                 out.frameNumber = frameNumber_;
+                out.timestampUs = static_cast<std::int64_t>(header->ts.tv_sec) * 1'000'000 + header->ts.tv_usec;
                 out.facts = std::move(*facts);
                 return ReadStatus::Frame;
             }

@@ -15,6 +15,7 @@ namespace capture {
 
 struct BeaconFrame {
     std::int64_t frameNumber = 0;  // 1-based position in the file, counting every packet
+    std::int64_t timestampUs = 0;  // capture time, microseconds since the Unix epoch
     RawBssFacts facts;
 };
 
