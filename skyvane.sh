@@ -1,5 +1,6 @@
 #!/bin/sh
 # Set-up and entry point for a fresh Debian 12 machine:
+#   ./skyvane.sh run           install what is missing, build, watch the networks in range
 #   ./skyvane.sh run CAPTURE   install what is missing, build, decode a capture file
 #   ./skyvane.sh test          install what is missing, build with sanitizers, fuzz briefly, run the tests
 #   ./skyvane.sh bench         build optimised and run the benchmarks
@@ -75,9 +76,10 @@ run_fuzzers() {
 cmd=${1:-}
 case "$cmd" in
     run)
-        [ $# -ge 2 ] || { echo "usage: $0 run CAPTURE_FILE" >&2; exit 2; }
         install_packages
         build_release
+        # Without a capture: the first Wi-Fi interface, or the simulated environment without one.
+        [ $# -ge 2 ] || exec "$ROOT/build/release/app/cli/skyvane-cli" watch
         exec "$ROOT/build/release/app/cli/skyvane-cli" decode "$2"
         ;;
     test)
@@ -96,7 +98,7 @@ case "$cmd" in
         for b in "$ROOT"/build/bench/bench/bench_*; do if [ -f "$b" ] && [ -x "$b" ]; then "$b"; fi; done
         ;;
     *)
-        echo "usage: $0 run CAPTURE_FILE | test | bench" >&2
+        echo "usage: $0 run [CAPTURE_FILE] | test | bench" >&2
         exit 2
         ;;
 esac

@@ -1,34 +1,21 @@
 #include "app/cli/decode_command.h"
+#include "app/cli/tool_command.h"
 
 #include <QCoreApplication>
 #include <QStringList>
 
 #include <cstdio>
-#include <cstring>
 
 namespace {
 
-struct Command {
-    const char* name;
-    const char* arguments;
-    const char* summary;
-    qsizetype minArguments;
-    qsizetype maxArguments;
-    int (*run)(const QStringList& arguments);
-};
-
-int runDecode(const QStringList& arguments) { return cli::decodeCapture(arguments.first(), stdout, stderr); }
-
-const Command commands[] = {
-    {"decode", "FILE", "print every beacon and probe response of a pcap or pcapng file as JSON lines", 1, 1,
-     runDecode},
-};
-
 void printUsage(std::FILE* stream)
 {
-    std::fputs("usage: skyvane-cli COMMAND [ARGUMENTS]\n\ncommands:\n", stream);
-    for (const Command& command : commands)
-        std::fprintf(stream, "  %s %-6s %s\n", command.name, command.arguments, command.summary);
+    std::fputs("usage: skyvane-cli decode FILE\n"
+               "       skyvane-cli [BACKEND] -s | -s -x | -I | watch [--interval SECONDS] [--count N]\n\n"
+               "commands:\n"
+               "  decode FILE           every beacon and probe response of a pcap or pcapng file as JSON lines\n",
+               stream);
+    std::fputs(cli::toolUsage().toUtf8().constData(), stream);
 }
 
 } // namespace
@@ -43,17 +30,20 @@ int main(int argc, char* argv[])
         printUsage(stdout);
         return 0;
     }
-    if (!arguments.isEmpty()) {
-        const QByteArray name = arguments[0].toUtf8();
-        for (const Command& command : commands) {
-            if (std::strcmp(command.name, name.constData()) != 0)
-                continue;
-            const QStringList rest = arguments.mid(1);
-            if (rest.size() < command.minArguments || rest.size() > command.maxArguments)
-                break;
-            return command.run(rest);
-        }
+    if (!arguments.isEmpty() && arguments[0] == u"decode") {
+        if (arguments.size() == 2)
+            return cli::decodeCapture(arguments[1], stdout, stderr);
+        printUsage(stderr);
+        return 2;
     }
-    printUsage(stderr);
-    return 2;
+
+    QString error;
+    const auto request = cli::parseToolArguments(arguments, &error);
+    if (!request) {
+        printUsage(stderr);
+        if (!arguments.isEmpty())
+            std::fprintf(stderr, "\nskyvane-cli: %s\n", error.toUtf8().constData());
+        return 2;
+    }
+    return cli::runToolRequest(*request, stdout, stderr);
 }
