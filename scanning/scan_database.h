@@ -1,0 +1,76 @@
+#pragma once
+
+#include "scan/record_builder.h"
+
+#include <QList>
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+struct sqlite3;
+
+// One observation as it is written to wifi_scan_data: the thirteen columns in table order.
+// Text columns hold what the current or the oldest interface generation stores (see
+// ObservationRow::fromScanResult).
+struct ObservationRow {
+    int originalChannel = 0;
+    QString channel;          // stored as an integer on the current generation, text on the oldest
+    QString phyMode;
+    int rssi = 0;
+    QString noise;            // integer on the current generation, text on the oldest
+    QString ssid;             // "[Hidden]" for a network without a name
+    QString bssid;            // normalised
+    int singnalToNoise = 0;
+    QString securityMode;
+    QString ibss;
+    double lastSeen = 0.0;    // seconds since 1970
+    double channelBond = 0.0;
+    QString normalizedSsid;   // "[Hidden]" for a network without a name
+    bool hidden = false;      // the network had no name (logged when stored)
+
+    // The row the scan driver stores for a scanned network. channelText is the display
+    // channel the driver chose (number, or the tool's text with a secondary-channel suffix).
+    static ObservationRow fromScanResult(const platform::ScanResult& network, const QString& channelText,
+                                         double secondsSince1970);
+};
+
+// The scan database: one SQLite file holding the observations of the running test. Every
+// failure is logged with its fixed text and the operation skipped; nothing throws.
+// Used from one thread (the owner's).
+class ScanDatabase {
+public:
+    // Opens (creating the folder and copying the shipped empty database when the file is
+    // missing). An empty path means "<XDG data>/Skyvane/Database.sqlite".
+    explicit ScanDatabase(const QString& path = QString());
+    ~ScanDatabase();
+    ScanDatabase(const ScanDatabase&) = delete;
+    ScanDatabase& operator=(const ScanDatabase&) = delete;
+
+    static QString defaultPath();
+    QString path() const;
+    bool isOpen() const;
+    void close();
+
+    void updateDatabase();
+    void reindex();
+    // "delete from wifi_scan_data" at the start of a test.
+    void deleteAll();
+    // Stores one scan (rows in scan order) in one transaction, deleting each row's
+    // predecessors by name (merge) or by BSSID first.
+    void storeScan(const QList<ObservationRow>& rows, bool merge);
+    // Rows to show, in query order; std::nullopt when the statement failed (the caller keeps
+    // its previous rows).
+    std::optional<QList<StoredObservation>> readForDisplay(const QString& filterCriteria,
+                                                           const QString& activeBssid, bool merge);
+    // The merged count query's value; std::nullopt when it failed.
+    std::optional<int> matchCount(const QString& filterCriteria, const QString& activeBssid);
+    void updateNetworkCountsForSummaryWindow();
+    void update24MhzNetworkCountsForSummaryWindow();
+
+    sqlite3* handle() const;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
