@@ -1,0 +1,55 @@
+#pragma once
+
+#include "scanning/graph_image_provider.h"
+#include "scanning/wifi_scan_test.h"
+
+#include "platform/api/clock.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+
+// Writes the latest results of one scan test or of all tests as a CSV file or an HTML report.
+// Exporting marks every visited record with its export type, as the rows render by it.
+class ScanExporter {
+public:
+    // The integer tags of the export actions.
+    enum Kind {
+        SelectedTestCsv = 0,
+        AllTestsCsv = 1,
+        SelectedTestHtml = 2,
+        SelectedTestHtmlWithGraphs = 3,
+        AllTestsHtml = 4,
+    };
+
+    struct Result {
+        QString writtenPath;  // the file written; empty when nothing was
+        QString statusText;   // for the tab's status line; empty when there is nothing to say
+        QString alertText;    // non-empty: also shown as an alert with an empty informative text
+    };
+
+    static constexpr const char* templateResource = ":/Export.html";
+
+    // templatePath lets a caller (or a test) point at another page template.
+    explicit ScanExporter(const platform::Clock& clock, QString templatePath = QLatin1String(templateResource));
+
+    static bool isKind(int tag);
+    static QString suggestedFileName(Kind kind, const QDateTime& now);
+    // The file path of a chosen location: its URL text, a file:/// URL or a plain path.
+    static QString destinationPath(const QString& locationUrlText);
+
+    // allTests in list order; selected may be null (then kinds 0, 2 and 3 write nothing).
+    Result startExporting(Kind kind, const QString& fileSavePath, const QList<WiFiScanTest*>& allTests,
+                          WiFiScanTest* selected, const ReportGraphs& graphs = {}) const;
+
+    static QString csvText(const QList<WiFiScanTest*>& tests);
+    static QString htmlBody(const QList<WiFiScanTest*>& tests);
+    QString htmlPage(const QString& body, const QDateTime& now) const;
+
+private:
+    Result writeGraphReport(const QString& fileSavePath, const QString& page, const QDateTime& now,
+                            const ReportGraphs& graphs) const;
+
+    const platform::Clock& clock_;
+    QString templatePath_;
+};

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+// The filter bar of the scanner tab without its widgets: the user's inputs, the SQL condition
+// they make for the database's reading queries, and the completion of the filter fields.
+class FilterCriteria {
+public:
+    static constexpr const char* channelFieldIdentifier = "channelFilterField";
+
+    // Field texts and pop-up items as the user left them.
+    QString ssidForFilterValue;
+    QString channelForFilterValue;
+    QString rssiValueForFilter;
+    int channelBandItem = 0;       // 0 any, 1 2.4 GHz, 2 5 GHz
+    int firstAndOrItem = 0;        // 0 "and", any other "or"
+    int secondAndOrItem = 0;
+    int thirdAndOrItem = 0;
+    int rssiWeakOrStrongItem = 0;  // 0 stronger, 1 weaker
+
+    // What the last apply made of them.
+    QString channelBandForFilterValue;
+    bool rssiStrongOrWeek = true;
+    QString isFirstAnd = QStringLiteral("and");
+    QString isSecondAnd = QStringLiteral("and");
+    QString isThirdAnd = QStringLiteral("and");
+    QString filterCriteria;  // empty = no filter
+
+    QStringList allSSIDs;
+    QStringList allChannels;
+
+    bool completePosting = false;
+    bool commandHandling = false;
+
+    // Rebuilds filterCriteria from the inputs. Returns whether it changed, in which case the
+    // caller scans at once and refreshes the apply button.
+    bool userDidClickedApplyFilterButton();
+    // Empties the condition and the text fields and resets the band. Returns whether a
+    // condition had been set, in which case the caller scans at once.
+    bool clearFilter();
+
+    struct ButtonState {
+        QString title;
+        bool highlighted = false;
+    };
+    ButtonState changeFilterButtonState() const;
+
+    // Names and channels seen by the scans, each remembered once.
+    void addSSID(const QString& ssid);
+    void addChannel(const QString& channel);
+    QStringList sortedSSIDs() const;
+
+    // Candidates for the word being typed in the field with the given identifier.
+    QStringList completions(const QString& fieldIdentifier, const QString& partialWord) const;
+    // Runs complete unless a completion or a field-editor command is already under way, so the
+    // text change that a completion itself makes does not start another one.
+    void controlTextDidChange(const std::function<void()>& complete);
+    // Runs a field-editor command with commandHandling set; returns what perform returns.
+    bool doCommandBySelector(const std::function<bool()>& perform);
+};

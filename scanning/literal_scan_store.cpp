@@ -1,0 +1,67 @@
+#include "scanning/literal_scan_store.h"
+
+#include "platform/api/platform_flags.h"
+#include "scanning/scan_database_impl.h"
+#include "scanning/sqlite_statement.h"
+
+#include <QDebug>
+#include <QSet>
+#include <QStringList>
+
+namespace literal_scan_store {
+namespace {
+
+void deletePredecessor(sqlite3* db, const QString& text)
+{
+    scandb::Statement statement(db, text);
+    if (!statement.isPrepared()) {
+        qWarning().noquote() << QStringLiteral("Error while deleting old scanned data '%1'").arg(statement.prepareError());
+        return;
+    }
+    statement.step();
+}
+
+} // namespace
+
+void storeScan(ScanDatabase& database, const QList<ObservationRow>& rows, bool merge)
+{
+    sqlite3* db = database.handle();
+    const bool oldest = platform::isOSSnowLeopard();
+    QSet<QString> deletedNames;
+    for (const ObservationRow& row : rows) {
+        scandb::Statement insert(db, QStringLiteral(
+            "INSERT INTO wifi_scan_data (originalChannel,channel,phyMode,rssi,noise,ssid,bssid,singnalToNoise,securityMode,ibss,lastSeen,channelBond,normalized_ssid) "
+            "VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?)"));
+        if (!insert.isPrepared())
+            qWarning().noquote() << QStringLiteral("Error while saving scan result info. '%1'").arg(insert.prepareError());
+        if (!merge) {
+            deletePredecessor(db, QStringLiteral("delete from wifi_scan_data where bssid='%1'").arg(row.bssid));
+        } else if (!deletedNames.contains(row.normalizedSsid)) {
+            deletePredecessor(db, QStringLiteral("delete from wifi_scan_data where normalized_ssid=\"%1\"").arg(row.normalizedSsid));
+            deletedNames.insert(row.normalizedSsid);
+        }
+        if (row.hidden)
+            qInfo().noquote() << QStringLiteral("Here i got a hidden ssid with bssid as %1").arg(row.bssid);
+        if (!insert.isPrepared())
+            continue;
+        scandb::bindObservation(insert, row, oldest);
+        if (insert.step() != SQLITE_DONE)
+            qWarning().noquote() << QStringLiteral("Error while saving scan result info. '%1'").arg(scandb::errorMessage(db));
+    }
+}
+
+void dropIndexes(ScanDatabase& database)
+{
+    sqlite3* db = database.handle();
+    QStringList names;
+    {
+        scandb::Statement indexes(db, QStringLiteral(
+            "SELECT name FROM sqlite_master WHERE type='index' AND tbl_name='wifi_scan_data' AND sql IS NOT NULL"));
+        while (indexes.isPrepared() && indexes.step() == SQLITE_ROW)
+            names.append(indexes.columnText(0));
+    }
+    for (const QString& name : names)
+        scandb::runOnce(db, QStringLiteral("DROP INDEX \"%1\"").arg(name));
+}
+
+} // namespace literal_scan_store

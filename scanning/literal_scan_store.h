@@ -1,0 +1,14 @@
+#pragma once
+
+#include "scanning/scan_database.h"
+
+// The scan store as its statements read when taken one at a time: every statement compiled from
+// its text, every one its own transaction, no indexes. It is the yardstick that the batched
+// ScanDatabase::storeScan is checked against (same rows, same logs) and timed against.
+namespace literal_scan_store {
+
+void storeScan(ScanDatabase& database, const QList<ObservationRow>& rows, bool merge);
+// Removes the indexes the database adds for the batched store.
+void dropIndexes(ScanDatabase& database);
+
+} // namespace literal_scan_store

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "scanning/scan_database.h"
+
+#include <QString>
+
+struct sqlite3;
+
+namespace scandb {
+class Statement;
+// Binds the thirteen columns of the insert, in table order.
+void bindObservation(Statement& insert, const ObservationRow& row, bool oldestGeneration);
+} // namespace scandb
+
+// The connection state shared by the files that implement ScanDatabase.
+struct ScanDatabase::Impl {
+    QString path;
+    sqlite3* db = nullptr;
+    // Whether this SQLite build reads a double-quoted word that names no column as a string.
+    // The delete by name relies on it; without it that delete fails in every form.
+    bool doubleQuotedTextIsLiteral = false;
+};

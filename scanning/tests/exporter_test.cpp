@@ -1,0 +1,270 @@
+#include "scanning/exporter.h"
+
+#include "app/settings/settings_store.h"
+#include "scan/scanner_utils.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSet>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QDateTime exportTime(QDate(2024, 3, 9), QTime(14, 5, 7));
+
+// RFC 4180: quoted cells may hold commas, doubled quotes and line breaks.
+QList<QStringList> parseCsv(const QString& text)
+{
+    QList<QStringList> rows;
+    QStringList row;
+    QString cell;
+    bool quoted = false;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        if (quoted) {
+            if (c == u'"' && i + 1 < text.size() && text.at(i + 1) == u'"')
+                cell += text.at(++i);
+            else if (c == u'"')
+                quoted = false;
+            else
+                cell += c;
+        } else if (c == u'"') {
+            quoted = true;
+        } else if (c == u',') {
+            row << std::exchange(cell, QString());
+        } else if (c == u'\n') {
+            row << std::exchange(cell, QString());
+            rows << std::exchange(row, QStringList());
+        } else {
+            cell += c;
+        }
+    }
+    EXPECT_FALSE(quoted) << "unterminated quoted cell";
+    EXPECT_TRUE(cell.isEmpty() && row.isEmpty()) << "text after the last line break";
+    return rows;
+}
+
+QString readUtf8(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+ScanedResultInfo record(const QString& ssid, const QString& bssid, const QString& apname = QStringLiteral("ap"))
+{
+    ScanedResultInfo r;
+    r.ssid = ssid;
+    r.bssid = bssid;
+    r.apname = apname;
+    r.vendorName = QStringLiteral("Vendor, Inc.");
+    r.originalChannel = 6;
+    r.rssi = -50;
+    r.lastSeen = exportTime;
+    return r;
+}
+
+class FakeGraph : public GraphImageProvider {
+public:
+    explicit FakeGraph(QString fileName) : fileName_(std::move(fileName)) {}
+    bool saveGraphAsImageAtPath(const QString& folderPath) override
+    {
+        folder = folderPath;
+        QFile file(folderPath + QLatin1Char('/') + fileName_);
+        return file.open(QIODevice::WriteOnly) && file.write("png") == 3;
+    }
+    QString folder;
+
+private:
+    QString fileName_;
+};
+
+class ExporterTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(dir_.isValid());
+        SettingsStore::setShared(std::make_unique<SettingsStore>(dir_.filePath(QStringLiteral("settings.conf"))));
+        empty_.testLabel = QStringLiteral("Empty");
+        office_.testLabel = QStringLiteral("Office");
+        office_.activeBSSID = QStringLiteral("00:11:22:33:44:02");
+        office_.scanedData1 = {record(QStringLiteral("Guest"), QStringLiteral("00:11:22:33:44:01")),
+                               record(QStringLiteral("Home"), QStringLiteral("00:11:22:33:44:02"))};
+        lab_.testLabel = QStringLiteral("Lab");
+        lab_.activeBSSID = QStringLiteral("00:11:22:33:44:03");
+        lab_.scanedData1 = {record(QStringLiteral("LabNet"), QStringLiteral("00:11:22:33:44:03"))};
+    }
+    void TearDown() override { SettingsStore::setShared(nullptr); }
+
+    QString path(const QString& name) const { return dir_.filePath(name); }
+    QList<WiFiScanTest*> all() { return {&empty_, &office_, &lab_}; }
+
+    QTemporaryDir dir_;
+    platform::ManualClock clock_{exportTime};
+    WiFiScanTest empty_, office_, lab_;
+};
+
+TEST_F(ExporterTest, NamesAndDestinationPaths)
+{
+    const std::pair<ScanExporter::Kind, const char*> names[] = {
+        {ScanExporter::SelectedTestCsv, "skyvane-single-scan-export-20240309-14-05-07.csv"},
+        {ScanExporter::AllTestsCsv, "skyvane-all-scan-export-20240309-14-05-07.csv"},
+        {ScanExporter::SelectedTestHtml, "skyvane-single-scan-report-20240309-14-05-07.html"},
+        {ScanExporter::SelectedTestHtmlWithGraphs, "skyvane-single-scan-report-20240309-14-05-07.html"},
+        {ScanExporter::AllTestsHtml, "skyvane-all-scan-report-20240309-14-05-07.html"},
+    };
+    for (const auto& [kind, name] : names)
+        EXPECT_EQ(ScanExporter::suggestedFileName(kind, exportTime), QLatin1String(name));
+    EXPECT_FALSE(ScanExporter::isKind(5));
+
+    const std::pair<const char*, const char*> paths[] = {
+        {"file://localhost/home/a/r.csv", "//home/a/r.csv"},
+        {"file:///home/a/my%20r.csv", "/home/a/my r.csv"},
+        {"/home/a/r.csv", "/home/a/r.csv"},
+    };
+    for (const auto& [url, expected] : paths)
+        EXPECT_EQ(ScanExporter::destinationPath(QLatin1String(url)), QLatin1String(expected)) << url;
+}
+
+TEST_F(ExporterTest, CsvOfAllTestsHasOneHeadingEvenAfterAnEmptyTest)
+{
+    const ScanExporter exporter(clock_);
+    const auto result = exporter.startExporting(ScanExporter::AllTestsCsv, path("all.csv"), all(), nullptr);
+    ASSERT_EQ(result.writtenPath, path("all.csv"));
+    const QString text = readUtf8(path("all.csv"));
+    EXPECT_TRUE(text.startsWith(QLatin1String("\"Test Name\",")));
+    EXPECT_EQ(text.count(QLatin1String("\"Test Name\"")), 1);
+    const auto rows = parseCsv(text);
+    ASSERT_EQ(rows.size(), 4);
+    EXPECT_EQ(rows[1].mid(0, 2), (QStringList{QStringLiteral("Office"), QStringLiteral("Guest")}));
+    EXPECT_EQ(rows[3].mid(0, 2), (QStringList{QStringLiteral("Lab"), QStringLiteral("LabNet")}));
+    EXPECT_EQ(office_.scanedData1[0].exportType, QLatin1String("csv"));
+}
+
+TEST_F(ExporterTest, HtmlBodyMarksConnectedRowAndClosesEmptyTests)
+{
+    EXPECT_EQ(ScanExporter::htmlBody({&empty_}), QLatin1String("</table><br><br>"));
+
+    const QString body = ScanExporter::htmlBody(all());
+    EXPECT_TRUE(body.startsWith(QLatin1String("</table><br><br><center style='font-size:18px; color:#f37736;'>"
+                                              "<strong> Office</strong></center><br><table><thead>")));
+    EXPECT_EQ(body.count(QLatin1String("<tr class=connected><td>Home</td>")), 1);
+    EXPECT_EQ(body.count(QLatin1String("<tr class=connected><td>LabNet</td>")), 1);
+    EXPECT_EQ(body.count(QLatin1String("<tr><td>Guest</td>")), 1);
+
+    const ScanExporter exporter(clock_);
+    for (const auto kind : {ScanExporter::SelectedTestHtml, ScanExporter::SelectedTestHtmlWithGraphs,
+                            ScanExporter::AllTestsHtml}) {
+        const auto result = exporter.startExporting(kind, path(QStringLiteral("r%1.html").arg(kind)), all(), &office_);
+        EXPECT_TRUE(readUtf8(result.writtenPath).contains(QLatin1String("<tr class=connected><td>Home</td>"))) << kind;
+    }
+}
+
+TEST_F(ExporterTest, PageComesFromTheResourceOrTheFallbackTemplate)
+{
+    const QString page = ScanExporter(clock_).htmlPage(QStringLiteral("<p>{DATE}</p>"), exportTime);
+    EXPECT_TRUE(page.contains(QLatin1String("tr.connected")));
+    EXPECT_TRUE(page.contains(QLatin1String("2024-03-09 14:05:07")));
+    EXPECT_TRUE(page.contains(QLatin1String("<p>{DATE}</p>")));
+
+    const ScanExporter fallback(clock_, path(QStringLiteral("missing.html")));
+    EXPECT_EQ(fallback.htmlPage(QStringLiteral("BODY"), exportTime),
+              QLatin1String("<html><body><center><h1>Skyvane Export </h1></center></body><html><center><strong>"
+                            "Export Date: </strong>2024-03-09 14:05:07</center><br>BODY"));
+}
+
+TEST_F(ExporterTest, NothingWrittenWithoutSelectionOrWhenTheWriteFails)
+{
+    const ScanExporter exporter(clock_);
+    for (const auto kind : {ScanExporter::SelectedTestCsv, ScanExporter::SelectedTestHtml,
+                            ScanExporter::SelectedTestHtmlWithGraphs}) {
+        const auto result = exporter.startExporting(kind, path(QStringLiteral("x")), all(), nullptr);
+        EXPECT_TRUE(result.writtenPath.isEmpty());
+        EXPECT_EQ(result.statusText, QLatin1String("Please select a test to generate the report."));
+        EXPECT_EQ(result.alertText, result.statusText);
+    }
+    EXPECT_FALSE(QFileInfo::exists(path(QStringLiteral("x"))));
+
+    QFile blocker(path(QStringLiteral("file")));
+    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
+    const QString unwritable = path(QStringLiteral("file/sub/r"));
+    const std::pair<ScanExporter::Kind, const char*> failures[] = {
+        {ScanExporter::AllTestsCsv, "Unable to export CSV file. Please try agian."},
+        {ScanExporter::AllTestsHtml, "Unable to export HTML file. Please try agian."},
+        {ScanExporter::SelectedTestHtmlWithGraphs, "Unable to export HTML file. Please try agian."},
+    };
+    for (const auto& [kind, message] : failures) {
+        const auto result = exporter.startExporting(kind, unwritable, all(), &lab_);
+        EXPECT_TRUE(result.writtenPath.isEmpty()) << kind;
+        EXPECT_EQ(result.statusText, QLatin1String(message));
+        EXPECT_TRUE(result.alertText.isEmpty());
+    }
+}
+
+TEST_F(ExporterTest, GraphReportGetsItsOwnFolderImagesAndBlocks)
+{
+    const ScanExporter exporter(clock_);
+    const QString folder = path(QStringLiteral("skyvane-single-scan-report-20240309-14-05"));
+
+    const auto bare = exporter.startExporting(ScanExporter::SelectedTestHtmlWithGraphs, path("g.html"), all(), &lab_);
+    EXPECT_EQ(bare.writtenPath, folder + QLatin1String("/g.html"));
+    EXPECT_FALSE(QFileInfo::exists(path("g.html")));
+    EXPECT_TRUE(QFileInfo(folder + QLatin1String("/skv-images")).isDir());
+    EXPECT_TRUE(bare.statusText.contains(QLatin1String("2-4ghzGRAPH.png, 5ghzGRAPH.png, SSIDrankGRAPH.png")));
+    const QString page = readUtf8(bare.writtenPath);
+    EXPECT_TRUE(page.endsWith(QLatin1String(
+        "<center style='font-size:18px; color:#f37736;'> <strong>2.4 GHz</strong></center> <p><img "
+        "src='skv-images/2-4ghzGRAPH.png' /> </p> <br>"
+        "<center style='font-size:18px; color:#f37736;'> <strong>5 GHz</strong></center><p><img "
+        "src='skv-images/5ghzGRAPH.png' /> </p><br>"
+        "<center style='font-size:18px; color:#f37736;'> <strong>Signal Rank</strong></center><p><img "
+        "src='skv-images/SSIDrankGRAPH.png' /></p><br>")));
+
+    FakeGraph g24(QStringLiteral("2-4ghzGRAPH.png")), g5(QStringLiteral("5ghzGRAPH.png"));
+    FakeGraph rank(QStringLiteral("SSIDrankGRAPH.png"));
+    const auto full = exporter.startExporting(ScanExporter::SelectedTestHtmlWithGraphs, path("g.html"), all(), &lab_,
+                                              {&g24, &g5, &rank});
+    EXPECT_TRUE(full.statusText.isEmpty());
+    EXPECT_EQ(rank.folder, folder + QLatin1String("/skv-images"));
+    EXPECT_TRUE(QFileInfo::exists(folder + QLatin1String("/skv-images/5ghzGRAPH.png")));
+}
+
+TEST_F(ExporterTest, HostileNamesStayTextInBothFormats)
+{
+    const QStringList hostile = {
+        QStringLiteral("<script>alert('x')</script>"), QStringLiteral("say \"hi\", all"),
+        QStringLiteral("two\nlines"), QStringLiteral("=HYPERLINK(\"http://x\")"), QStringLiteral("a&b</td></tr>"),
+    };
+    WiFiScanTest evil;
+    evil.testLabel = QStringLiteral("=cmd|' /C calc'!A0, \"<b>\"\nx");
+    for (qsizetype i = 0; i < hostile.size(); ++i)
+        evil.scanedData1 << record(hostile[i], QStringLiteral("aa:00:00:00:00:0%1").arg(i), hostile[i]);
+
+    const ScanExporter exporter(clock_);
+    exporter.startExporting(ScanExporter::SelectedTestHtml, path("evil.html"), {&evil}, &evil);
+    const QString html = readUtf8(path("evil.html"));
+    const QSet<QString> allowedTags = {"center", "strong", "br", "table", "thead", "tr", "th", "td"};
+    const QString body = ScanExporter::htmlBody({&evil});
+    static const QRegularExpression tag(QStringLiteral("</?([a-zA-Z0-9]+)[^>]*>"));
+    for (auto it = tag.globalMatch(body); it.hasNext();) {
+        const QString name = it.next().captured(1);
+        EXPECT_TRUE(allowedTags.contains(name)) << name.toStdString();
+    }
+    EXPECT_EQ(body.count(QLatin1String("<tr")), body.count(QLatin1String("</tr>")));
+    EXPECT_TRUE(html.contains(evil.testLabel.toHtmlEscaped()));
+
+    exporter.startExporting(ScanExporter::SelectedTestCsv, path("evil.csv"), {&evil}, &evil);
+    const auto rows = parseCsv(readUtf8(path("evil.csv")));
+    ASSERT_EQ(rows.size(), hostile.size() + 1);
+    for (qsizetype i = 1; i < rows.size(); ++i) {
+        EXPECT_EQ(rows[i].size(), rows[0].size()) << i;
+        EXPECT_EQ(rows[i][0], QLatin1Char('\'') + evil.testLabel);
+        const QString& ssid = hostile[i - 1];
+        EXPECT_EQ(rows[i][1], ssid.startsWith(QLatin1Char('=')) ? QLatin1Char('\'') + ssid : ssid);
+    }
+}
+
+} // namespace

@@ -1,0 +1,206 @@
+#include "app/settings/settings_store.h"
+#include "scan/scanner_utils.h"
+#include "scanning/graph_sink.h"
+#include "scanning/results_table_columns.h"
+#include "scanning/results_table_model.h"
+#include "scanning/wifi_scan_test.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class RecordingGraph : public GraphSink {
+public:
+    QStringList calls;
+    void addPlotToGraph(const QString& bssid, const QList<ScanedResultInfo>& history) override
+    {
+        calls << QStringLiteral("add %1 %2").arg(bssid).arg(history.size());
+    }
+    void updateGraphDataPoints(const QList<ScanedResultInfo>&, const QString& bssid) override { calls << "update " + bssid; }
+    void removePlotFromGraph(const QString& bssid) override { calls << "remove " + bssid; }
+    void highlightGraph(const QString& bssid, const WiFiScanTest&) override { calls << "highlight " + bssid; }
+    void updateSSIDDetailsTab(const QString& bssid, const WiFiScanTest&) override { calls << "details " + bssid; }
+    void reloadGraph(const WiFiScanTest&) override { calls << QStringLiteral("reload"); }
+    void didRemoveAllPlots() override { calls << QStringLiteral("removedAll"); }
+    void scanDidStartedByUser(const WiFiScanTest&) override { calls << QStringLiteral("started"); }
+    void scanDidStoppedByUser() override { calls << QStringLiteral("stopped"); }
+};
+
+ScanedResultInfo record(const char* bssid, const char* ssid, int channel, const char* rate, int sn)
+{
+    ScanedResultInfo r;
+    r.bssid = QString::fromLatin1(bssid);
+    r.ssid = QString::fromUtf8(ssid);
+    r.originalChannel = channel;
+    r.maxDataRate = QString::fromLatin1(rate);
+    r.singnalToNoise = sn;
+    r.lastSeen = QDateTime::fromSecsSinceEpoch(1'700'000'000 + channel);
+    return r;
+}
+
+class ResultsTableModelTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(dir_.isValid());
+        SettingsStore::setShared(std::make_unique<SettingsStore>(dir_.filePath(QStringLiteral("settings.conf"))));
+        test_->scanedData1 = {record("A", "bravo", 11, "130", 20), record("B", "Alpha", 1, "54(B)", 35),
+                              record("C", "charlie", 36, "9", 5), record("D", "Delta", 6, "", 50)};
+        // "D" has no history yet: it has just appeared.
+        for (const char* bssid : {"A", "B", "C"})
+            test_->scanedResults.insert(QString::fromLatin1(bssid), {test_->scanedData1.front()});
+        model_.setCurrentTest(test_);
+    }
+    void TearDown() override { SettingsStore::setShared(nullptr); }
+
+    QString order() const
+    {
+        QString bssids;
+        for (const ScanedResultInfo& r : test_->scanedData1)
+            bssids += r.bssid;
+        return bssids;
+    }
+
+    QTemporaryDir dir_;
+    RecordingGraph graph_;
+    std::shared_ptr<WiFiScanTest> test_ = std::make_shared<WiFiScanTest>();
+    ResultsTableModel model_{&graph_};
+};
+
+TEST_F(ResultsTableModelTest, SortsEachColumnByItsKey)
+{
+    const struct {
+        const char* column;
+        const char* ascending;
+    } cases[] = {{"ssid", "BACD"}, {"channel", "BDAC"}, {"maxDataRate", "DCBA"}, {"sn", "CABD"}, {"lastseen", "BDAC"}};
+    for (const auto& c : cases) {
+        EXPECT_TRUE(model_.sortTableView(QString::fromLatin1(c.column), true));
+        EXPECT_EQ(order(), QString::fromLatin1(c.ascending)) << c.column;
+    }
+}
+
+TEST_F(ResultsTableModelTest, HeaderClicksFlipDirectionAndKeepTheSelectedNetwork)
+{
+    EXPECT_EQ(model_.lastIdentifier(), QStringLiteral("ssid"));
+    EXPECT_TRUE(model_.sortAscending());
+    model_.setSelectedRows({2});  // C
+    model_.tableViewDidClickTableColumn(QStringLiteral("channel"));
+    EXPECT_EQ(order(), QStringLiteral("BDAC"));
+    EXPECT_EQ(model_.selectedRows(), QList<int>{3});
+    model_.tableViewDidClickTableColumn(QStringLiteral("channel"));
+    EXPECT_FALSE(model_.sortAscending());
+    EXPECT_EQ(order(), QStringLiteral("CADB"));
+    EXPECT_EQ(model_.selectedRows(), QList<int>{0});
+    model_.tableViewDidClickTableColumn(QStringLiteral("ssid"));
+    EXPECT_TRUE(model_.sortAscending());
+    EXPECT_EQ(order(), QStringLiteral("BACD"));
+
+    model_.tableViewDidClickTableColumn(QStringLiteral("join"));
+    EXPECT_EQ(model_.lastIdentifier(), QStringLiteral("ssid"));
+    EXPECT_EQ(order(), QStringLiteral("BACD"));
+    static QStringList logged;
+    const QtMessageHandler previous =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) { logged << text; });
+    EXPECT_FALSE(model_.sortTableView(QStringLiteral("checkbox"), true));
+    qInstallMessageHandler(previous);
+    EXPECT_EQ(logged, QStringList{QStringLiteral("unable to sort the table 'checkbox' is not a sortable column")});
+    EXPECT_EQ(order(), QStringLiteral("BACD"));
+
+    model_.reverse();
+    EXPECT_EQ(order(), QStringLiteral("DCAB"));
+    model_.updateView(test_);
+    EXPECT_EQ(order(), QStringLiteral("BACD"));
+}
+
+TEST_F(ResultsTableModelTest, UntickingOneStopsPlottingAllAndTickingEveryRowRestoresIt)
+{
+    model_.setSelectedBssids({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C"), QStringLiteral("D")});
+    model_.checkboxClicked(7);
+    EXPECT_TRUE(graph_.calls.isEmpty());
+
+    model_.checkboxClicked(1);
+    EXPECT_FALSE(model_.shouldPlotAll());
+    EXPECT_FALSE(model_.isRowChecked(1));
+    model_.checkboxClicked(1);
+    EXPECT_TRUE(model_.shouldPlotAll());
+    EXPECT_EQ(graph_.calls, (QStringList{QStringLiteral("remove B"), QStringLiteral("add B 1")}));
+}
+
+TEST_F(ResultsTableModelTest, SelectAllFromTheHeaderReplotsEveryRowOrNone)
+{
+    model_.setSelectedRows({3});
+    graph_.calls.clear();
+    model_.tableViewDidClickTableColumn(QStringLiteral("checkbox"));
+    EXPECT_FALSE(model_.shouldPlotAll());
+    EXPECT_TRUE(model_.selectedBssids().isEmpty());
+    EXPECT_EQ(graph_.calls.last(), QStringLiteral("removedAll"));
+
+    graph_.calls.clear();
+    model_.tableViewDidClickTableColumn(QStringLiteral("checkbox"));
+    EXPECT_EQ(model_.selectedBssids(), (QStringList{"A", "B", "C", "D"}));
+    EXPECT_EQ(graph_.calls.mid(3), (QStringList{"removedAll", "add A 1", "add B 1", "add C 1", "add D 0", "highlight D"}));
+}
+
+TEST_F(ResultsTableModelTest, UpdateViewPlotsNetworksWithHistoryAndDropsTheRest)
+{
+    model_.setSelectedBssids({QStringLiteral("D")});
+    model_.updateView(test_);
+    EXPECT_EQ(graph_.calls, (QStringList{"remove D", "update A", "update B", "update C", "details ", "reload"}));
+
+    graph_.calls.clear();
+    model_.updateView(std::make_shared<WiFiScanTest>());
+    EXPECT_TRUE(graph_.calls.isEmpty());
+}
+
+TEST_F(ResultsTableModelTest, CopyRowWritesTheSelectedRowsAsCsvInTableOrder)
+{
+    model_.setSelectedRows({2, 0});
+    ScanedResultInfo first = test_->scanedData1[0];
+    ScanedResultInfo third = test_->scanedData1[2];
+    first.exportType = third.exportType = QStringLiteral("csv");
+    EXPECT_EQ(model_.copyRow(), first.toString() + "\n" + third.toString() + "\n");
+    EXPECT_EQ(test_->scanedData1[0].exportType, QStringLiteral("csv"));
+
+    model_.setSelectedRows({});
+    EXPECT_TRUE(model_.copyRow().isEmpty());
+}
+
+TEST_F(ResultsTableModelTest, TagsLiveInTheSettingsUnderTheBssid)
+{
+    model_.saveBSSIDTag(QStringLiteral("A"), QStringLiteral("lobby"));
+    EXPECT_EQ(ScannerUtils::getUserSettingForKey(QStringLiteral("A")).toString(), QStringLiteral("lobby"));
+    EXPECT_EQ(test_->scanedData1[0].bssidTag, QStringLiteral("lobby"));
+    model_.saveBSSIDTag(QStringLiteral("A"), QString());
+    EXPECT_TRUE(ResultsTableModel::bssidTagForBSSID(QStringLiteral("A")).isEmpty());
+    EXPECT_TRUE(ScannerUtils::getUserSettingForKey(QStringLiteral("A")).isValid());
+}
+
+TEST_F(ResultsTableModelTest, ColumnTogglesStoreTheShownStateUnderTheColumnKey)
+{
+    EXPECT_EQ(results_columns::all().size(), 25);
+    EXPECT_EQ(results_columns::headerMenuColumns().size(), 21);
+    EXPECT_FALSE(results_columns::headerMenuColumns().contains(QStringLiteral("join")));
+
+    ScannerUtils::setUserSetting(true, QStringLiteral("snColumnVisible"));
+    model_.updateTableColumnsView();
+    model_.toggleColumn(QStringLiteral("sn"));
+    EXPECT_TRUE(model_.isColumnHidden(QStringLiteral("sn")));
+    EXPECT_EQ(ScannerUtils::getUserSettingForKey(QStringLiteral("snColumnVisible")), QVariant(false));
+    model_.toggleColumn(QStringLiteral("sn"));
+    EXPECT_EQ(ScannerUtils::getUserSettingForKey(QStringLiteral("snColumnVisible")), QVariant(true));
+
+    model_.toggleColumn(QStringLiteral("ssid"));
+    EXPECT_FALSE(model_.isColumnHidden(QStringLiteral("ssid")));
+}
+
+TEST_F(ResultsTableModelTest, JoinTooltipNamesTheConnectedNetwork)
+{
+    test_->activeBSSID = QStringLiteral("B");
+    EXPECT_EQ(model_.toolTip(QStringLiteral("join"), 1), QStringLiteral("Connected network"));
+    EXPECT_EQ(model_.toolTip(QStringLiteral("join"), 0), QStringLiteral("Click to join this network"));
+    EXPECT_TRUE(model_.toolTip(QStringLiteral("ssid"), 1).isEmpty());
+}
+
+}  // namespace

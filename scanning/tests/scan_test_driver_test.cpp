@@ -1,0 +1,413 @@
+#include "scanning/scan_test_driver.h"
+
+#include "scan/scanner_utils.h"
+#include "scanning/notification_center.h"
+
+#include <QCoreApplication>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <tuple>
+
+using namespace std::chrono_literals;
+
+void PrintTo(const QString& text, std::ostream* out)
+{
+    *out << '"' << text.toStdString() << '"';
+}
+
+namespace {
+
+QStringList logged;
+
+void captureLog(QtMsgType, const QMessageLogContext&, const QString& text)
+{
+    logged.append(text);
+}
+
+platform::ScanResult network(const QString& bssid, const QString& ssid, int channel, int rssi)
+{
+    platform::ScanResult result;
+    result.bssid = bssid;
+    result.ssid = ssid;
+    result.channelNumber = channel;
+    result.channelBand = channel > 14 ? platform::ChannelBand::Band5GHz : platform::ChannelBand::Band2GHz;
+    result.rssiValue = rssi;
+    result.noiseMeasurement = -95;
+    return result;
+}
+
+platform::ScanOutcome failure(int code)
+{
+    return {{}, platform::PlatformError{QStringLiteral("test"), code, QStringLiteral("radio busy"), {}, {}}};
+}
+
+// Scripted scans; a closed gate holds a scan inside the platform call, as a slow radio would.
+class FakeInterface : public platform::WirelessInterface {
+public:
+    QString interfaceName() const override { return QStringLiteral("wlan9"); }
+    platform::InterfaceSnapshot snapshot() const override { return link; }
+    platform::ScanOutcome scanForNetworksWithSSID(const QByteArray&) override
+    {
+        std::unique_lock lock(mutex_);
+        gateChanged_.wait(lock, [this] { return gateOpen_; });
+        ++scans;
+        if (outcomes.size() > 1) {
+            platform::ScanOutcome next = outcomes.front();
+            outcomes.pop_front();
+            return next;
+        }
+        return outcomes.empty() ? platform::ScanOutcome{} : outcomes.front();
+    }
+    platform::ScanOutcome scanForNetworksWithBSSID(const QString&) override { return {}; }
+    QList<platform::ScanResult> cachedScanResults() const override { return cached; }
+    platform::MaybeError setPower(bool) override { return {}; }
+    void disassociate() override {}
+    platform::MaybeError associateToNetwork(const platform::ScanResult&, const QString&) override { return {}; }
+    platform::MaybeError associateToEnterpriseNetwork(const platform::ScanResult&, const QString&, const QString&,
+                                                      const QString&) override { return {}; }
+    platform::MaybeError startIBSSModeWithSSID(const QByteArray&, int, int, const QString&) override { return {}; }
+    QList<platform::NetworkProfile> networkProfiles() const override { return {}; }
+    QList<platform::EapProfile> allUser8021XProfiles() const override { return {}; }
+    std::optional<QString> copyPassword(const QByteArray&) const override { return {}; }
+    std::optional<platform::EapCredentials> copyEAPUsernameAndPassword(const QByteArray&) const override { return {}; }
+    std::optional<QString> copyEAPIdentity(const QByteArray&) const override { return {}; }
+
+    void setGateOpen(bool open)
+    {
+        {
+            std::lock_guard lock(mutex_);
+            gateOpen_ = open;
+        }
+        gateChanged_.notify_all();
+    }
+
+    // Changed only while no scan is in flight.
+    std::deque<platform::ScanOutcome> outcomes;
+    QList<platform::ScanResult> cached;
+    platform::InterfaceSnapshot link;
+    int scans = 0;
+
+private:
+    mutable std::mutex mutex_;
+    std::condition_variable gateChanged_;
+    bool gateOpen_ = true;
+};
+
+class CannedRunner : public platform::CommandRunner {
+public:
+    platform::CommandOutput runShellCommand(const QString& commandLine) override
+    {
+        std::lock_guard lock(mutex);
+        commands.append(commandLine);
+        return output;
+    }
+    std::mutex mutex;
+    QStringList commands;
+    platform::CommandOutput output{{}, {}, 0, true};
+};
+
+class RecordingListener : public ScanResultsListener {
+public:
+    void setCurrentTest(const std::shared_ptr<WiFiScanTest>& test) override { current = test; }
+    void reset() override { selection.clear(); }
+    void clearView() override { current.reset(); }
+    void updateView(const std::shared_ptr<WiFiScanTest>&) override {}
+    void scanDidStartedByUser(const std::shared_ptr<WiFiScanTest>&) override { running = true; }
+    void scanDidStoppedByUser() override { running = false; }
+    QStringList selectedBssids() const override { return selection; }
+    void setSelectedBssids(const QStringList& bssids) override { selection = bssids; }
+    bool shouldPlotAll() const override { return false; }
+
+    std::shared_ptr<WiFiScanTest> current;
+    QStringList selection;
+    bool running = false;
+};
+
+const QDateTime launch(QDate(2024, 5, 1), QTime(12, 0), Qt::UTC);
+
+class ScanTestDriverTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        static int argc = 1;
+        static char name[] = "scan_driver_tests";
+        static char* argv[] = {name, nullptr};
+        if (!QCoreApplication::instance())
+            new QCoreApplication(argc, argv);
+        ScanTestDriver::scanInProgress = false;
+        ScanTestDriver::consecutiveScanFailures = 0;
+        ScannerUtils::setUserSetting(0, QStringLiteral("mergeScanResults"));
+        interface->outcomes = {{{network("00:0b:86:ab:34:80", "Lab", 44, -60), network("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}}};
+        logged.clear();
+        qInstallMessageHandler(captureLog);
+        database.updateDatabase();
+        driver.setResultsListener(&listener);
+        driver.setRefreshIntervalSeconds(5);
+    }
+    void TearDown() override { qInstallMessageHandler(nullptr); }
+
+    void settle() { driver.waitForBackgroundWork(); }
+    void tick(std::chrono::milliseconds by = 5s)
+    {
+        timers.advance(by);
+        settle();
+    }
+    void start()
+    {
+        driver.scanButtonPressed();
+        settle();
+    }
+    std::shared_ptr<WiFiScanTest> newest() const { return driver.wifiScanTestArray().first(); }
+
+    QTemporaryDir folder;
+    platform::ManualClock clock{launch};
+    FakeTimerSource timers{clock};
+    std::shared_ptr<FakeInterface> interface = std::make_shared<FakeInterface>();
+    CannedRunner runner;
+    ScanDatabase database{folder.filePath(QStringLiteral("Database.sqlite"))};
+    RecordingListener listener;
+    ScanTestDriver driver{interface, database, timers, runner, QStringLiteral("/opt/skyvane/skyvane-cli"),
+                          {QStringLiteral("--simulate")}};
+};
+
+TEST_F(ScanTestDriverTest, RunButtonCyclesAndStopRelabelsOnlyAnUntouchedLabel)
+{
+    driver.cancelButtonPressed();  // without a timer: nothing
+    EXPECT_EQ(driver.runButtonTitle(), "Start Scan");
+    const std::vector<std::pair<int, QString>> cycle{{1, "Pause Scan"}, {2, "Resume Scan"}, {1, "Pause Scan"}};
+    for (const auto& [tag, title] : cycle) {
+        driver.scanButtonPressed();
+        settle();
+        EXPECT_EQ(driver.runButtonTag(), tag);
+        EXPECT_EQ(driver.runButtonTitle(), title);
+    }
+    EXPECT_FALSE(driver.intervalSelectorEnabled());
+    EXPECT_TRUE(listener.running);
+    driver.cancelButtonPressed();
+    EXPECT_EQ(driver.runButtonTag(), 0);
+    EXPECT_EQ(newest()->testLabel, "Scanned");
+    EXPECT_FALSE(newest()->isTestRunning);
+    EXPECT_TRUE(driver.intervalSelectorEnabled());
+    EXPECT_FALSE(listener.running);
+
+    start();
+    driver.renameTest(0, QStringLiteral("Office"));
+    driver.cancelButtonPressed();
+    ASSERT_EQ(driver.wifiScanTestArray().size(), 2);
+    EXPECT_EQ(newest()->testLabel, "Office");
+    EXPECT_EQ(driver.wifiScanTestArray().at(1)->testLabel, "Scanned");
+}
+
+TEST_F(ScanTestDriverTest, TickDuringAScanIsDroppedNotQueued)
+{
+    interface->setGateOpen(false);
+    driver.scanButtonPressed();
+    timers.advance(5s);
+    timers.advance(5s);
+    interface->setGateOpen(true);
+    settle();
+    EXPECT_EQ(interface->scans, 1);
+    tick();
+    EXPECT_EQ(interface->scans, 2);
+}
+
+TEST_F(ScanTestDriverTest, FailureShowsOnlyOnEveryThirdInARow)
+{
+    interface->outcomes = {failure(1), failure(2), failure(3), failure(4), failure(5), failure(6)};
+    start();
+    QStringList labels{driver.messageLabel()};
+    for (int i = 0; i < 5; ++i) {
+        tick();
+        labels.append(driver.messageLabel());
+    }
+    const QString third = QStringLiteral("Unable to perform wireless scanning. Reason (radio busy, code:3 ).");
+    const QString sixth = QStringLiteral("Unable to perform wireless scanning. Reason (radio busy, code:6 ).");
+    EXPECT_EQ(labels, (QStringList{"", "", third, "", "", sixth}));
+    EXPECT_FALSE(driver.spinnerVisible());
+    EXPECT_FALSE(ScanTestDriver::scanInProgress);
+}
+
+TEST_F(ScanTestDriverTest, EmptyOrFailedScanFallsBackToCachedResults)
+{
+    interface->cached = {network("fc:ec:da:56:ec:80", "Cafe", 11, -71)};
+    interface->outcomes = {{}, failure(7)};
+    start();
+    ASSERT_EQ(newest()->scanedData1.size(), 1);
+    EXPECT_EQ(newest()->scanedData1.first().bssid, "FC:EC:DA:56:EC:80");
+    for (int i = 0; i < 3; ++i)
+        tick();
+    EXPECT_TRUE(logged.contains("localizedDescription --- radio busy"));
+    EXPECT_EQ(driver.messageLabel(), "");
+    EXPECT_EQ(ScanTestDriver::consecutiveScanFailures, 0);
+}
+
+TEST_F(ScanTestDriverTest, PauseKeepsTheWaitThatWasLeft)
+{
+    driver.setRefreshIntervalSeconds(10);
+    start();
+    tick(7s);
+    driver.scanButtonPressed();
+    tick(10s);
+    EXPECT_TRUE(driver.isPaused());
+    EXPECT_EQ(interface->scans, 1);
+    driver.scanButtonPressed();
+    tick(2999ms);
+    EXPECT_EQ(interface->scans, 1);
+    tick(1ms);
+    EXPECT_EQ(interface->scans, 2);
+}
+
+TEST_F(ScanTestDriverTest, LaunchStartsScanningAndRefreshesChannelsEveryMinute)
+{
+    NotificationCenter center;
+    driver.observeNotifications(center);
+    center.postNotificationName(QStringLiteral("appFinishLaunching"));
+    settle();
+    EXPECT_EQ(runner.commands, QStringList{"/opt/skyvane/skyvane-cli --simulate -s"});
+    tick(999ms);
+    EXPECT_FALSE(driver.spinnerVisible());
+    tick(1ms);
+    EXPECT_TRUE(driver.spinnerVisible());
+    tick(499ms);
+    EXPECT_EQ(driver.runButtonTag(), 0);
+    tick(1ms);
+    EXPECT_EQ(driver.runButtonTag(), 1);
+    tick(118500ms);
+    EXPECT_EQ(runner.commands.size(), 3);
+
+    center.postNotificationName(QStringLiteral("pauseScanTimer"));
+    EXPECT_TRUE(driver.isPaused());
+    center.postNotificationName(QStringLiteral("resumeScanTimer"));
+    EXPECT_FALSE(driver.isPaused());
+}
+
+TEST_F(ScanTestDriverTest, HistoryIsBoundedAndStaleRowsAddNoSample)
+{
+    interface->outcomes = {{{network("00:0b:86:ab:34:80", "Lab", 44, -60), network("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}},
+                           {{network("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}}};
+    start();
+    for (int i = 0; i < 15; ++i)
+        tick();
+    const auto& histories = newest()->scanedResults;
+    EXPECT_EQ(histories.value("3C:A6:2F:38:F3:E0").size(), WiFiScanTest::maxHistory);
+    // One interval old still counts, two do not: the gone network stays listed with 2 samples.
+    EXPECT_EQ(histories.value("00:0B:86:AB:34:80").size(), 2);
+    EXPECT_EQ(newest()->scanedData1.size(), 2);
+
+    // The rule reads the selector as it is now, not the interval the test started with.
+    driver.setRefreshIntervalSeconds(600);
+    tick();
+    EXPECT_EQ(histories.value("00:0B:86:AB:34:80").size(), 3);
+}
+
+TEST_F(ScanTestDriverTest, ConnectedNetworkIsShownAndCountedWhenTheScanMissedIt)
+{
+    EXPECT_FALSE(driver.getConnectedNetworkDetails());
+    interface->link.bssid = QStringLiteral("a4:2b:b0:11:22:33");
+    interface->link.ssid = QStringLiteral("Upstairs");
+    interface->link.rssiValue = -50;
+    interface->link.wlanChannel = platform::WlanChannel{36, platform::ChannelBand::Band5GHz,
+                                                       platform::ChannelWidthCode::Width80MHz};
+    start();
+    EXPECT_EQ(driver.countLabel(), "3 of 3 shown");
+    const auto connected = driver.getConnectedNetworkDetails();
+    ASSERT_TRUE(connected);
+    EXPECT_EQ(std::tuple(connected->bssid, connected->ssid, connected->originalChannel, connected->channelBond,
+                         connected->channelWidth),
+              std::tuple(QString("A4:2B:B0:11:22:33"), QString("Upstairs"), 36, 5.0, 80));
+
+    interface->link.bssid = QStringLiteral("3c:a6:2f:38:f3:e0");
+    tick();
+    EXPECT_EQ(driver.countLabel(), "2 of 2 shown");
+    EXPECT_EQ(driver.getConnectedNetworkDetails()->ssid, "Home");
+}
+
+TEST_F(ScanTestDriverTest, CountLabelWithAndWithoutMerging)
+{
+    interface->outcomes = {{{network("00:0b:86:ab:34:80", "Lab", 44, -60), network("00:0b:86:ab:34:90", "Lab", 48, -70),
+                             network("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}}};
+    const std::vector<std::pair<int, QString>> cases{{0, "3 of 3 shown"}, {1, "2 of 3 shown (merged 1)"}};
+    start();
+    for (const auto& [merge, label] : cases) {
+        ScannerUtils::setUserSetting(merge, QStringLiteral("mergeScanResults"));
+        tick();
+        EXPECT_EQ(driver.countLabel(), label);
+    }
+}
+
+TEST(ChannelInfoParser, ReadsChannelAndSecurityFieldsOfTheToolListing)
+{
+    const QByteArray listing =
+        "                            SSID BSSID             RSSI CHANNEL HT CC SECURITY (auth/unicast/group)\n"
+        "                    Skyvane Home 3c:a6:2f:38:f3:e0  -44 6       Y  DE WPA2(PSK/AES/AES)\n"
+        "                     Skyvane Lab 00:0B:86:AB:34:80  -63 44,+1   Y  DE WPA(PSK/TKIP/TKIP) WPA2(PSK/AES/AES)\n"
+        "                      Cafe Guest FC:EC:DA:56:EC:80  -71\t11,-1   Y  -- NONE\r\n"
+        "too short\n";
+    const ChannelInfo info = parseChannelInfo(listing);
+    EXPECT_EQ(info.channelByBssid, (QHash<QString, QString>{{"3C:A6:2F:38:F3:E0", "6"},
+                                                            {"00:0B:86:AB:34:80", "44,+1"},
+                                                            {"FC:EC:DA:56:EC:80", "11,-1"}}));
+    EXPECT_EQ(info.securityByBssid, (QHash<QString, QString>{{"3C:A6:2F:38:F3:E0", "WPA2(PSK/AES/AES)"},
+                                                             {"00:0B:86:AB:34:80", "WPA(PSK/TKIP/TKIP), WPA2(PSK/AES/AES)"},
+                                                             {"FC:EC:DA:56:EC:80", "Open"}}));
+}
+
+TEST_F(ScanTestDriverTest, ChannelTextIsKeptOnlyWhileItMatchesTheScannedChannel)
+{
+    runner.output.standardOutput =
+        "                     Skyvane Lab 00:0B:86:AB:34:80  -63 44,+1   Y  DE WPA2(PSK/AES/AES)\n"
+        "                    Skyvane Home 3C:A6:2F:38:F3:E0  -44 11,+1   Y  DE NONE\n";
+    driver.refreshChannelInfo();
+    settle();
+    start();
+    EXPECT_EQ(driver.bssidToChannelMapping(), (QHash<QString, QString>{{"00:0B:86:AB:34:80", "44,+1"}}));
+    const auto& rows = newest()->scanedData1;
+    const auto home = std::find_if(rows.begin(), rows.end(), [](const ScanedResultInfo& r) { return r.ssid == "Home"; });
+    ASSERT_NE(home, rows.end());
+    EXPECT_EQ(home->securityModeString, "Open");
+
+    runner.output = {{}, "no radio", 1, true};
+    driver.refreshChannelInfo();
+    settle();
+    EXPECT_TRUE(logged.contains("Got error while determining channel info: no radio"));
+}
+
+TEST_F(ScanTestDriverTest, RemovalRefusesTheRunningTestAndAsksBeforeDeleting)
+{
+    QStringList alerts;
+    QObject::connect(&driver, &ScanTestDriver::alertRequested, [&](const QString& text) { alerts.append(text); });
+    std::vector<ScanTestDriver::Question> asked;
+    bool answer = false;
+    driver.setConfirmation([&](const ScanTestDriver::Question& q) {
+        asked.push_back(q);
+        return answer;
+    });
+    start();
+    driver.cancelButtonPressed();
+    start();
+
+    driver.removeTest(0);
+    EXPECT_EQ(alerts, QStringList{"You cannot delete currently running test."});
+    driver.removeTest(1);
+    ASSERT_EQ(asked.size(), 1u);
+    EXPECT_EQ(asked[0].messageText, "Are you sure you want to delete?");
+    EXPECT_EQ(asked[0].defaultButton, "Yes");
+    EXPECT_EQ(asked[0].alternateButton, "Cancel");
+    EXPECT_TRUE(logged.contains("User selected not to delete"));
+    EXPECT_EQ(driver.wifiScanTestArray().size(), 2);
+
+    answer = true;
+    driver.tableViewSelectionDidChange(1);
+    const auto older = driver.wifiScanTestArray().at(1);
+    EXPECT_EQ(listener.current, older);
+    driver.removeTest(1);
+    EXPECT_EQ(driver.wifiScanTestArray().size(), 1);
+    EXPECT_EQ(listener.current, nullptr);
+}
+
+} // namespace

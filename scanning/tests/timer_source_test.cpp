@@ -1,0 +1,79 @@
+#include "scanning/timer_source.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+QDateTime start()
+{
+    return QDateTime(QDate(2024, 5, 1), QTime(12, 0), Qt::UTC);
+}
+
+TEST(FakeTimerSource, RepeatingTimerKeepsItsRhythmAndOneShotFiresOnce)
+{
+    platform::ManualClock clock(start());
+    FakeTimerSource timers(clock);
+    std::vector<qint64> repeatingFires;
+    int oneShotFires = 0;
+    auto repeating = timers.scheduledTimer(2s, true, [&] { repeatingFires.push_back(start().msecsTo(clock.now())); });
+    auto oneShot = timers.scheduledTimer(1500ms, false, [&] { ++oneShotFires; });
+
+    timers.advance(7s);
+
+    EXPECT_EQ(repeatingFires, (std::vector<qint64>{2000, 4000, 6000}));
+    EXPECT_EQ(oneShotFires, 1);
+    EXPECT_FALSE(oneShot->isValid());
+    EXPECT_EQ(repeating->fireDate(), start().addSecs(8));
+    EXPECT_EQ(clock.now(), start().addSecs(7));
+}
+
+TEST(FakeTimerSource, DestroyedOrInvalidatedTimersNeverFire)
+{
+    platform::ManualClock clock(start());
+    FakeTimerSource timers(clock);
+    int fires = 0;
+    auto invalidated = timers.scheduledTimer(1s, true, [&] { ++fires; });
+    invalidated->invalidate();
+    timers.scheduledTimer(1s, true, [&] { ++fires; }).reset();
+    // A timer may drop another one from its action, as the stop button drops the scan timer.
+    std::unique_ptr<Timer> victim = timers.scheduledTimer(2s, true, [&] { ++fires; });
+    auto killer = timers.scheduledTimer(1s, false, [&] { victim.reset(); });
+    timers.advance(10s);
+    EXPECT_EQ(fires, 0);
+}
+
+TEST(QtTimerSource, FiresOnTheEventLoopUntilParked)
+{
+    static int argc = 1;
+    static char name[] = "timer_source_tests";
+    static char* argv[] = {name, nullptr};
+    if (!QCoreApplication::instance())
+        new QCoreApplication(argc, argv);
+    platform::SystemClock clock;
+    QtTimerSource timers(clock);
+    QEventLoop loop;
+    int fires = 0;
+    std::unique_ptr<Timer> timer;
+    timer = timers.scheduledTimer(20ms, true, [&] {
+        if (++fires == 2) {
+            timer->setFireDate(TimerSource::distantFuture());
+            loop.quit();
+        }
+    });
+    QTimer::singleShot(5000, &loop, &QEventLoop::quit);
+    loop.exec();
+    ASSERT_EQ(fires, 2);
+    QTimer::singleShot(100, &loop, &QEventLoop::quit);
+    loop.exec();
+    EXPECT_EQ(fires, 2);
+}
+
+} // namespace
