@@ -1,0 +1,118 @@
+#include "listener_test_support.h"
+#include "fake_interface.h"
+
+#include "platform/api/platform_flags.h"
+#include "sensor/sensor_listener_controller.h"
+
+#include <QSignalSpy>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+platform::InterfaceSnapshot linkSnapshot(const QString& ssid, bool withChannel)
+{
+    platform::InterfaceSnapshot snapshot;
+    snapshot.bssid = QStringLiteral("aa:bb:cc:dd:ee:ff");
+    snapshot.ssid = ssid;
+    snapshot.rssiValue = -55;
+    snapshot.noiseMeasurement = -92;
+    if (withChannel)
+        snapshot.wlanChannel = platform::WlanChannel{36, platform::ChannelBand::Band5GHz, {}};
+    return snapshot;
+}
+
+// What the log and the console received for one line.
+struct Outcome {
+    QStringList rows;
+    QStringList diagnostics;
+};
+
+Outcome feed(sensor::SensorListenerController& controller, const QString& line)
+{
+    QSignalSpy rows(&controller, &sensor::SensorListenerController::logLineAppended);
+    QSignalSpy diagnostics(&controller, &sensor::SensorListenerController::diagnostic);
+    controller.appendSensorData(line);
+    Outcome outcome;
+    for (const auto& row : rows)
+        outcome.rows << row.at(0).toString();
+    for (const auto& message : diagnostics)
+        outcome.diagnostics << message.at(0).toString();
+    return outcome;
+}
+
+class SensorLineTest : public ::testing::Test {
+protected:
+    void SetUp() override { ensureApplication(); }
+};
+
+TEST_F(SensorLineTest, LinesBecomeRowsOrAreIgnored)
+{
+    const auto link = std::make_shared<FakeInterface>(linkSnapshot(QStringLiteral("Home"), true));
+    sensor::SensorListenerController controller(link);
+    struct Case {
+        const char* line;
+        const char* row;  // nullptr: nothing logged
+    };
+    const Case cases[] = {
+        {"1700000000123,1,51.5,-0.12,35.26,5,8", "11-14-2023 10:13:20,aa:bb:cc:dd:ee:ff,Home,-55,-92,36,51.50000,-0.12000,35.3"},
+        {"0x18bcfe56800,7,a,b", "[11-14-2023 10:13:20.0000] Unknown : a,b"},
+        {"017,9,z", "[01-01-1970 12:00:00.0150] Unknown : z"},
+        {"1700000000123,9.9,a", "[11-14-2023 10:13:20.1230] Unknown : a"},
+        {"1700000000123,4.9,a", nullptr},
+        // Lenient numbers: a text without a numeric prefix reads as 0.
+        {"abc,1,x,2.5e1y,z,w,v", "01-01-1970 12:00:00,aa:bb:cc:dd:ee:ff,Home,-55,-92,36,0.00000,25.00000,0.0"},
+        {"1700000000123,3,1.0", nullptr},
+        {"1700000000123,3,1,2,3", nullptr},
+        {"1700000000123,2,10,12", nullptr},
+        {"1700000000123,4,1,2,3", nullptr},
+        {"1700000000123,1", nullptr},
+        {"1,2", nullptr},
+        {"", nullptr},
+        {"x", nullptr},
+        {"\x01\x02\x7f", nullptr},
+        {"99999999999999999999999,7,a", nullptr},
+    };
+    for (const Case& c : cases) {
+        const Outcome outcome = feed(controller, QString::fromLatin1(c.line));
+        if (c.row == nullptr)
+            EXPECT_TRUE(outcome.rows.isEmpty()) << c.line;
+        else
+            EXPECT_EQ(outcome.rows, QStringList{QString::fromLatin1(c.row)}) << c.line;
+    }
+}
+
+TEST_F(SensorLineTest, GpsWithFourValuesFailsWithoutRow)
+{
+    sensor::SensorListenerController controller(nullptr);
+    const Outcome outcome = feed(controller, QStringLiteral("1700000000123,1,51.5,-0.12,35.2,5"));
+    EXPECT_TRUE(outcome.rows.isEmpty());
+    EXPECT_EQ(outcome.diagnostics.size(), 1);
+}
+
+TEST_F(SensorLineTest, GpsRowFollowsPlatformGeneration)
+{
+    const QString line = QStringLiteral("1700000000123,1,1,2,3,4,5");
+    struct Case {
+        bool oldest;
+        std::shared_ptr<FakeInterface> link;
+        const char* row;
+    };
+    const Case cases[] = {
+        {false, nullptr, "11-14-2023 10:13:20,,,0,0,0,1.00000,2.00000,3.0"},
+        {true, nullptr, "11-14-2023 10:13:20,,,,,,1.00000,2.00000,3.0"},
+        {false, std::make_shared<FakeInterface>(linkSnapshot(QStringLiteral("Cafe, \"Bar\""), false)),
+         "11-14-2023 10:13:20,aa:bb:cc:dd:ee:ff,\"Cafe, \"\"Bar\"\"\",-55,-92,0,1.00000,2.00000,3.0"},
+        {true, std::make_shared<FakeInterface>(linkSnapshot(QStringLiteral("Home"), false)),
+         "11-14-2023 10:13:20,aa:bb:cc:dd:ee:ff,Home,-55,-92,,1.00000,2.00000,3.0"},
+        {true, std::make_shared<FakeInterface>(linkSnapshot(QStringLiteral("Home"), true)),
+         "11-14-2023 10:13:20,aa:bb:cc:dd:ee:ff,Home,-55,-92,36,1.00000,2.00000,3.0"},
+    };
+    for (const Case& c : cases) {
+        platform::ScopedOSSnowLeopard generation(c.oldest);
+        sensor::SensorListenerController controller(c.link);
+        EXPECT_EQ(feed(controller, line).rows, QStringList{QString::fromLatin1(c.row)}) << c.row;
+    }
+}
+
+} // namespace
