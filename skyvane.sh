@@ -1,6 +1,6 @@
 #!/bin/sh
 # Set-up and entry point for a fresh Debian 12 machine:
-#   ./skyvane.sh run           install what is missing, build, watch the networks in range
+#   ./skyvane.sh run           install what is missing, build, run the headless scanner until Ctrl-C
 #   ./skyvane.sh run CAPTURE   install what is missing, build, decode a capture file
 #   ./skyvane.sh test          install what is missing, build with sanitizers, fuzz briefly, run the tests
 #   ./skyvane.sh bench         build optimised and run the benchmarks
@@ -79,7 +79,7 @@ case "$cmd" in
         install_packages
         build_release
         # Without a capture: the first Wi-Fi interface, or the simulated environment without one.
-        [ $# -ge 2 ] || exec "$ROOT/build/release/app/cli/skyvane-cli" watch
+        [ $# -ge 2 ] || exec "$ROOT/build/release/app/cli/skyvane-cli" scan
         exec "$ROOT/build/release/app/cli/skyvane-cli" decode "$2"
         ;;
     test)

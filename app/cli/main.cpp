@@ -1,4 +1,7 @@
 #include "app/cli/decode_command.h"
+#include "app/cli/listen_command.h"
+#include "app/cli/scan_command.h"
+#include "app/cli/sensor_send_command.h"
 #include "app/cli/tool_command.h"
 
 #include <QCoreApplication>
@@ -11,11 +14,16 @@ namespace {
 void printUsage(std::FILE* stream)
 {
     std::fputs("usage: skyvane-cli decode FILE\n"
-               "       skyvane-cli [BACKEND] -s | -s -x | -I | watch [--interval SECONDS] [--count N]\n\n"
+               "       skyvane-cli [BACKEND] -s | -s -x | -I | watch [--interval SECONDS] [--count N]\n"
+               "       skyvane-cli [BACKEND] scan [OPTIONS]\n\n"
                "commands:\n"
                "  decode FILE           every beacon and probe response of a pcap or pcapng file as JSON lines\n",
                stream);
+    std::fputs(cli::scanUsage().toUtf8().constData(), stream);
     std::fputs(cli::toolUsage().toUtf8().constData(), stream);
+    std::fputs("\nsensor commands:\n", stream);
+    std::fputs(cli::listenUsage().toUtf8().constData(), stream);
+    std::fputs(cli::sensorSendUsage().toUtf8().constData(), stream);
 }
 
 } // namespace
@@ -38,6 +46,31 @@ int main(int argc, char* argv[])
     }
 
     QString error;
+    if (!arguments.isEmpty() && arguments[0] == u"sensor-send") {
+        const auto send = cli::parseSensorSendArguments(arguments.mid(1), &error);
+        if (!send) {
+            std::fprintf(stderr, "skyvane-cli: %s\n", error.toUtf8().constData());
+            return 2;
+        }
+        return cli::runSensorSend(*send, stdout, stderr);
+    }
+    if (arguments.contains(QStringLiteral("listen"))) {
+        const auto listen = cli::parseListenArguments(arguments, &error);
+        if (!listen) {
+            std::fprintf(stderr, "skyvane-cli: %s\n", error.toUtf8().constData());
+            return 2;
+        }
+        return cli::runListen(*listen, stdout, stderr);
+    }
+    if (cli::isScanCommand(arguments)) {
+        const auto scan = cli::parseScanArguments(arguments, &error);
+        if (!scan) {
+            printUsage(stderr);
+            std::fprintf(stderr, "\nskyvane-cli: %s\n", error.toUtf8().constData());
+            return 2;
+        }
+        return cli::runScan(*scan, stdout, stderr);
+    }
     const auto request = cli::parseToolArguments(arguments, &error);
     if (!request) {
         printUsage(stderr);

@@ -1,0 +1,83 @@
+#include "app/cli/cli_arguments.h"
+
+#include <algorithm>
+
+namespace cli {
+
+bool matchesOption(const QString& argument, const QString& name)
+{
+    return argument == name || argument.startsWith(name + QLatin1Char('='));
+}
+
+std::optional<QString> optionValue(const QStringList& arguments, qsizetype& i, const QString& name, QString* error)
+{
+    const QString& argument = arguments[i];
+    if (argument.startsWith(name + QLatin1Char('=')))
+        return argument.mid(name.size() + 1);
+    if (i + 1 >= arguments.size()) {
+        *error = QStringLiteral("%1 needs a value").arg(name);
+        return std::nullopt;
+    }
+    return arguments[++i];
+}
+
+BackendOptionResult takeBackendOption(const QStringList& arguments, qsizetype& i, app::BackendOptions& options,
+                                      QString* error)
+{
+    const QString& argument = arguments[i];
+    if (argument == u"--simulate") {
+        options.simulate = true;
+        return BackendOptionResult::Taken;
+    }
+    if (argument.startsWith(u"--simulate=")) {
+        bool ok = false;
+        const long long count = argument.mid(11).toLongLong(&ok);
+        if (!ok || count <= 0) {
+            *error = QStringLiteral("--simulate needs a positive whole number, not \"%1\"").arg(argument.mid(11));
+            return BackendOptionResult::Invalid;
+        }
+        options.simulate = true;
+        options.simulatedAccessPoints = static_cast<int>(std::min(count, 1'000'000LL));
+        return BackendOptionResult::Taken;
+    }
+    const QString names[] = {QStringLiteral("--seed"), QStringLiteral("--interface"), QStringLiteral("--capture")};
+    const auto name = std::find_if(std::begin(names), std::end(names),
+                                   [&](const QString& candidate) { return matchesOption(argument, candidate); });
+    if (name == std::end(names))
+        return BackendOptionResult::NotABackendOption;
+    const auto value = optionValue(arguments, i, *name, error);
+    if (!value)
+        return BackendOptionResult::Invalid;
+    if (*name == u"--seed") {
+        bool ok = false;
+        const std::uint64_t seed = value->toULongLong(&ok);
+        if (!ok) {
+            *error = QStringLiteral("--seed needs a whole number, not \"%1\"").arg(*value);
+            return BackendOptionResult::Invalid;
+        }
+        options.simulationSeed = seed;
+    } else if (*name == u"--interface") {
+        options.interfaceName = *value;
+    } else {
+        options.captureFile = *value;
+    }
+    return BackendOptionResult::Taken;
+}
+
+std::optional<QString> backendOptionsConflict(const app::BackendOptions& options)
+{
+    if (options.simulate && !options.captureFile.isEmpty())
+        return QStringLiteral("choose either --simulate or --capture");
+    if (!options.simulate && (options.simulationSeed || options.simulatedAccessPoints))
+        return QStringLiteral("--seed goes with --simulate");
+    return std::nullopt;
+}
+
+void writeText(std::FILE* stream, const QString& text)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
+    std::fflush(stream);
+}
+
+} // namespace cli

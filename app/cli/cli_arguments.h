@@ -1,0 +1,29 @@
+#pragma once
+
+#include "app/backend/backend_chooser.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <cstdio>
+#include <optional>
+
+// Reading skyvane-cli's options and writing its output, shared by the sensor commands.
+namespace cli {
+
+// True when argument is "--name" or "--name=VALUE".
+bool matchesOption(const QString& argument, const QString& name);
+// The value of "--name VALUE" or "--name=VALUE"; advances i past what it used.
+std::optional<QString> optionValue(const QStringList& arguments, qsizetype& i, const QString& name, QString* error);
+
+enum class BackendOptionResult { NotABackendOption, Taken, Invalid };
+// Takes one backend option (--interface, --simulate[=N], --seed, --capture) into options.
+BackendOptionResult takeBackendOption(const QStringList& arguments, qsizetype& i, app::BackendOptions& options,
+                                      QString* error);
+// nullopt when the backend options fit together, else why not.
+std::optional<QString> backendOptionsConflict(const app::BackendOptions& options);
+
+// UTF-8, flushed at once so a reader at the other end of a pipe sees each line as it comes.
+void writeText(std::FILE* stream, const QString& text);
+
+} // namespace cli

@@ -1,0 +1,223 @@
+#include "app/cli/scan_command.h"
+
+#include "app/cli/json_writer.h"
+#include "app/cli/scan_output.h"
+#include "app/settings/settings_store.h"
+#include "scanning/scan_database.h"
+#include "scanning/scan_test_driver.h"
+#include "scanning/timer_source.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QFile>
+#include <QSocketNotifier>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <csignal>
+#include <memory>
+#include <unistd.h>
+
+namespace cli {
+namespace {
+
+void write(std::FILE* stream, const QString& text)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
+    std::fflush(stream);
+}
+
+// The options that make the channel-information run of skyvane-cli -s see the same radio.
+QStringList backendArguments(const app::BackendOptions& backend)
+{
+    QStringList arguments;
+    if (!backend.interfaceName.isEmpty())
+        arguments << QStringLiteral("--interface") << backend.interfaceName;
+    if (backend.simulate) {
+        arguments << (backend.simulatedAccessPoints
+                          ? QStringLiteral("--simulate=%1").arg(*backend.simulatedAccessPoints)
+                          : QStringLiteral("--simulate"));
+    }
+    if (backend.simulationSeed)
+        arguments << QStringLiteral("--seed") << QString::number(*backend.simulationSeed);
+    if (!backend.captureFile.isEmpty())
+        arguments << QStringLiteral("--capture") << backend.captureFile;
+    return arguments;
+}
+
+// The run's own copy of the user's settings, so --merge (and the counts a scan records)
+// leave the desktop's choices alone.
+class SessionSettings {
+public:
+    explicit SessionSettings(bool merge)
+    {
+        const QString copy = dir_.filePath(QStringLiteral("skyvane.conf"));
+        QFile::copy(SettingsStore::shared().fileName(), copy);
+        auto store = std::make_unique<SettingsStore>(copy);
+        store->setupDefaults();
+        store->setUserSetting(merge ? 1 : 0, QStringLiteral("mergeScanResults"));
+        SettingsStore::setShared(std::move(store));
+    }
+    ~SessionSettings() { SettingsStore::setShared(nullptr); }
+    SessionSettings(const SessionSettings&) = delete;
+    SessionSettings& operator=(const SessionSettings&) = delete;
+
+private:
+    QTemporaryDir dir_;
+};
+
+int stopPipe[2] = {-1, -1};
+
+extern "C" void requestStop(int)
+{
+    const char byte = 1;
+    [[maybe_unused]] const ssize_t written = ::write(stopPipe[1], &byte, 1);
+}
+
+// Ctrl-C and SIGTERM end the run like --count does, so the export still happens. The handler
+// only writes to a pipe; the event loop does the rest.
+class StopSignals {
+public:
+    template <typename Stop>
+    explicit StopSignals(Stop stop)
+    {
+        if (::pipe(stopPipe) != 0)
+            return;
+        notifier_ = std::make_unique<QSocketNotifier>(stopPipe[0], QSocketNotifier::Read);
+        QObject::connect(notifier_.get(), &QSocketNotifier::activated, [stop] {
+            char byte = 0;
+            [[maybe_unused]] const ssize_t got = ::read(stopPipe[0], &byte, 1);
+            stop();
+        });
+        std::signal(SIGINT, requestStop);
+        std::signal(SIGTERM, requestStop);
+    }
+    ~StopSignals()
+    {
+        std::signal(SIGINT, SIG_DFL);
+        std::signal(SIGTERM, SIG_DFL);
+        notifier_.reset();
+        for (int& fd : stopPipe) {
+            if (fd >= 0)
+                ::close(fd);
+            fd = -1;
+        }
+    }
+    StopSignals(const StopSignals&) = delete;
+    StopSignals& operator=(const StopSignals&) = delete;
+
+private:
+    std::unique_ptr<QSocketNotifier> notifier_;
+};
+
+int exportTest(const ScanRequest& request, const ScanTestDriver& driver, std::FILE* err)
+{
+    QList<WiFiScanTest*> tests;
+    for (const auto& test : driver.wifiScanTestArray())
+        tests << test.get();
+    platform::SystemClock clock;
+    const ScanExporter::Result result = ScanExporter(clock).startExporting(
+        *request.exportKind, ScanExporter::destinationPath(request.exportFile), tests,
+        tests.isEmpty() ? nullptr : tests.first());
+    if (!result.statusText.isEmpty())
+        write(err, QStringLiteral("skyvane-cli: %1\n").arg(result.statusText));
+    if (result.writtenPath.isEmpty()) {
+        if (tests.isEmpty())
+            write(err, QStringLiteral("skyvane-cli: no scan test to export\n"));
+        return 1;
+    }
+    write(err, QStringLiteral("Exported to %1\n").arg(result.writtenPath));
+    return 0;
+}
+
+} // namespace
+
+int runScan(const ScanRequest& request, std::FILE* out, std::FILE* err)
+{
+    QString error;
+    const std::optional<app::Backend> backend = app::chooseBackend(request.backend, &error);
+    if (!backend) {
+        write(err, QStringLiteral("skyvane-cli: %1\n").arg(error));
+        return 1;
+    }
+    if (!backend->statusText.isEmpty())
+        write(err, backend->statusText + QLatin1Char('\n'));
+
+    const SessionSettings settings(request.merge);
+    ScanDatabase database(request.databasePath);
+    if (!database.isOpen()) {
+        write(err, QStringLiteral("skyvane-cli: the scan database %1 cannot be opened\n").arg(database.path()));
+        return 1;
+    }
+    database.updateDatabase();
+    platform::SystemClock clock;
+    QtTimerSource timers(clock);
+    platform::ShellCommandRunner commands;
+    ScanTestDriver driver(backend->interface, database, timers, commands, QCoreApplication::applicationFilePath(),
+                          backendArguments(request.backend));
+    driver.setRefreshIntervalSeconds(request.intervalSeconds);
+    driver.setFilterCriteria(request.filter.filterCriteria);
+
+    QEventLoop loop;
+    bool stopping = false;
+    int scans = 0;
+    const auto stop = [&] {
+        if (stopping)
+            return;
+        stopping = true;
+        driver.cancelButtonPressed();
+        loop.quit();
+    };
+    JsonWriter json(out, 1u << 16);
+    QObject::connect(&driver, &ScanTestDriver::scanProcessed, &loop, [&](const std::shared_ptr<WiFiScanTest>& test) {
+        if (stopping)
+            return;
+        ++scans;
+        if (request.json) {
+            writeScanJson(json, scans, driver.countLabel(), *test);
+            json.flush();
+        } else {
+            write(out, (scans > 1 ? QStringLiteral("\n") : QString()) + scanTable(driver.countLabel(), *test));
+        }
+        if (request.count && scans >= *request.count)
+            stop();
+    });
+    QObject::connect(&driver, &ScanTestDriver::messageLabelChanged, &loop, [err](const QString& text) {
+        if (!text.isEmpty())
+            write(err, text + QLatin1Char('\n'));
+    });
+    const StopSignals stopSignals(stop);
+    QTimer deadline;
+    if (request.durationSeconds) {
+        deadline.setSingleShot(true);
+        QObject::connect(&deadline, &QTimer::timeout, &loop, stop);
+        deadline.start(std::chrono::seconds(*request.durationSeconds));
+    }
+    // The tool's channel text (secondary-channel suffix) and security words refresh as in the tab.
+    QTimer channelRefresh;
+    QObject::connect(&channelRefresh, &QTimer::timeout, &driver, &ScanTestDriver::refreshChannelInfo);
+    channelRefresh.start(std::chrono::seconds(60));
+    // The first scan waits for the tool's answer, as the tab's launch delay lets it, so even the
+    // first rows carry the tool's security words; a tool that never answers delays it no longer.
+    QTimer launch;
+    launch.setSingleShot(true);
+    bool started = false;
+    const auto start = [&] {
+        if (started || stopping)
+            return;
+        started = true;
+        launch.stop();
+        driver.scanButtonPressed();
+    };
+    QObject::connect(&driver, &ScanTestDriver::channelInfoChanged, &loop, start);
+    QObject::connect(&launch, &QTimer::timeout, &loop, start);
+    launch.start(std::chrono::milliseconds(1500));
+    driver.refreshChannelInfo();
+    loop.exec();
+    driver.waitForBackgroundWork();
+
+    return request.exportKind ? exportTest(request, driver, err) : 0;
+}
+
+} // namespace cli

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "app/backend/backend_chooser.h"
+#include "scanning/exporter.h"
+#include "scanning/filter_criteria.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <cstdio>
+#include <optional>
+
+// skyvane-cli scan: the scanner tab without a window. Runs one scan test on the chosen backend,
+// prints the count label and the rows after every scan, and can export the test at the end.
+namespace cli {
+
+struct ScanRequest {
+    app::BackendOptions backend;
+    int intervalSeconds = 5;
+    std::optional<int> count;            // scans to show; with neither limit, until stopped
+    std::optional<int> durationSeconds;
+    bool merge = false;
+    FilterCriteria filter;               // applied: filter.filterCriteria holds the condition
+    QString databasePath;                // empty: the normal database location
+    bool json = false;
+    std::optional<ScanExporter::Kind> exportKind;
+    QString exportFile;
+};
+
+// Whether the arguments name the scan command (the word "scan" where no option expects a value).
+bool isScanCommand(const QStringList& arguments);
+
+// nullopt with *error naming the offending argument when the arguments form no scan request.
+std::optional<ScanRequest> parseScanArguments(const QStringList& arguments, QString* error);
+
+QString scanUsage();
+
+// Exit status 0; 1 when the backend or the database could not be set up or the export failed.
+int runScan(const ScanRequest& request, std::FILE* out, std::FILE* err);
+
+} // namespace cli

@@ -1,0 +1,116 @@
+#include "app/cli/scan_command.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct CliRun {
+    int exitCode = -1;
+    QList<QByteArray> lines;
+    QByteArray err;
+};
+
+CliRun runCli(const QStringList& arguments)
+{
+    QProcess process;
+    process.start(QStringLiteral(SKYVANE_BINARY_DIR "/app/cli/skyvane-cli"), arguments);
+    EXPECT_TRUE(process.waitForFinished(60000));
+    CliRun run{process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+               process.readAllStandardOutput().split('\n'), process.readAllStandardError()};
+    if (!run.lines.isEmpty() && run.lines.last().isEmpty())
+        run.lines.removeLast();
+    return run;
+}
+
+const QRegularExpression countLabel(QStringLiteral("^\\d+ of \\d+ shown( \\(merged \\d+\\))?$"));
+
+TEST(ScanArguments, FilterFieldsBuildTheCondition)
+{
+    const struct {
+        QStringList arguments;
+        const char* condition;
+    } cases[] = {
+        {{"scan"}, ""},
+        {{"scan", "--ssid", "Home", "--channel", "6"}, "SSID like '%Home%'  and originalChannel=6 "},
+        {{"--simulate", "scan", "--band", "2.4", "--rssi=-70", "--weaker", "--and-or3", "or"},
+         "channelBond=2.4  or rssi < -70 "},
+        {{"scan", "--ssid=Cafe", "--band=5", "--and-or2=or"}, "SSID like '%Cafe%'  or channelBond=5 "},
+    };
+    for (const auto& c : cases) {
+        QString error;
+        const auto request = cli::parseScanArguments(c.arguments, &error);
+        ASSERT_TRUE(request) << error.toStdString();
+        EXPECT_EQ(request->filter.filterCriteria, QLatin1String(c.condition)) << c.arguments.join(' ').toStdString();
+    }
+}
+
+TEST(ScanArguments, RejectsWhatFormsNoRun)
+{
+    const QStringList bad[] = {
+        {"scan", "--count", "2", "--duration", "5"}, {"scan", "--band", "6"}, {"scan", "--interval", "0"},
+        {"scan", "--export", "pdf", "x.pdf"},        {"scan", "--export", "csv"}, {"scan", "--and-or1", "xor"},
+        {"scan", "--channel", "six"},                {"scan", "--simulate", "--capture", "f.pcap"},
+        {"scan", "--bogus"},                         {"--ssid", "x"},
+    };
+    for (const QStringList& arguments : bad) {
+        QString error;
+        EXPECT_FALSE(cli::parseScanArguments(arguments, &error)) << arguments.join(' ').toStdString();
+        EXPECT_FALSE(error.isEmpty());
+    }
+    EXPECT_TRUE(cli::isScanCommand({"--simulate=4", "scan"}));
+    EXPECT_FALSE(cli::isScanCommand({"watch", "--capture", "scan"}));
+    EXPECT_FALSE(cli::isScanCommand({"--export", "csv", "scan"}));
+}
+
+TEST(ScanCommand, PrintsEveryScanAndExportsAtTheEnd)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const QString csv = dir.filePath(QStringLiteral("all.csv"));
+    const CliRun json = runCli({"--simulate=5", "scan", "--count", "2", "--interval", "1", "--json", "--db",
+                                dir.filePath(QStringLiteral("db.sqlite")), "--export", "csv-all", csv});
+    ASSERT_EQ(json.exitCode, 0) << json.err.constData();
+    QList<int> scans;
+    for (const QByteArray& line : json.lines) {
+        QJsonParseError error{};
+        const QJsonObject object = QJsonDocument::fromJson(line, &error).object();
+        ASSERT_EQ(error.error, QJsonParseError::NoError) << line.constData();
+        if (object.contains(QLatin1String("countLabel"))) {
+            scans << object.value(QLatin1String("scan")).toInt();
+            EXPECT_TRUE(countLabel.match(object.value(QLatin1String("countLabel")).toString()).hasMatch());
+        } else {
+            EXPECT_FALSE(object.value(QLatin1String("bssid")).toString().isEmpty()) << line.constData();
+            EXPECT_TRUE(object.contains(QLatin1String("singnalToNoise")));
+        }
+    }
+    EXPECT_EQ(scans, (QList<int>{1, 2}));
+    QFile file(csv);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QList<QByteArray> rows = file.readAll().split('\n');
+    EXPECT_TRUE(rows.first().startsWith("\"Test Name\","));
+    EXPECT_GT(rows.size(), 2);
+    EXPECT_TRUE(rows[1].startsWith("Scanned,"));
+
+    const CliRun table = runCli({"--simulate=3", "scan", "--count", "1", "--db", dir.filePath(QStringLiteral("t.sqlite"))});
+    ASSERT_EQ(table.exitCode, 0) << table.err.constData();
+    ASSERT_GE(table.lines.size(), 3);
+    EXPECT_TRUE(countLabel.match(QString::fromUtf8(table.lines[0])).hasMatch()) << table.lines[0].constData();
+    EXPECT_TRUE(table.lines[1].contains("SSID") && table.lines[1].contains("BSSID"));
+}
+
+TEST(ScanCommand, BadOptionPrintsUsage)
+{
+    const CliRun run = runCli({"scan", "--count", "two"});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.startsWith("usage: skyvane-cli")) << run.err.constData();
+    EXPECT_TRUE(run.err.contains("--count"));
+}
+
+} // namespace
