@@ -26,6 +26,8 @@ void TcpSensorConnection::disconnectFromClient()
 {
     readTimer_.stop();
     readPending_ = false;
+    // What was cut off is not a line; nothing of it may reach the log.
+    received_.clear();
     socket_->abort();
     notifyDisconnected();
 }
@@ -34,6 +36,7 @@ void TcpSensorConnection::notifyDisconnected()
 {
     if (gone_)
         return;
+    takeLinesLeftBehind();
     gone_ = true;
     readTimer_.stop();
     emit disconnected();
@@ -98,6 +101,18 @@ void TcpSensorConnection::takeAvailableBytes()
     readTimer_.stop();
     emit lineRead(line);
     write(line, EchoTag);
+}
+
+void TcpSensorConnection::takeLinesLeftBehind()
+{
+    // A client often closes right after its last lines, while they still wait behind the echo
+    // of an earlier one; they were received, so they belong in the log. There is no one left
+    // to echo them to.
+    received_.append(socket_->readAll());
+    for (qsizetype end = received_.indexOf("\r\n"); end >= 0; end = received_.indexOf("\r\n")) {
+        emit lineRead(received_.left(end + 2));
+        received_.remove(0, end + 2);
+    }
 }
 
 void TcpSensorConnection::readTimedOut()

@@ -41,6 +41,7 @@ private:
     void takeAvailableBytes();
     void readTimedOut();
     void notifyDisconnected();
+    void takeLinesLeftBehind();
 
     QTcpSocket* socket_;
     TcpLineTimeouts timeouts_;

@@ -1,7 +1,6 @@
 #include "sensor/udp_line_socket.h"
 
 #include <QNetworkDatagram>
-#include <QTimer>
 #include <QVariant>
 
 namespace sensor {
@@ -45,7 +44,10 @@ int UdpLineSocket::receiveBufferSize()
 
 void UdpLineSocket::readBatch()
 {
-    batchScheduled_ = false;
+    // Only readyRead may read: Qt announces an unbuffered socket's data again only after a
+    // readyRead handler has taken at least one datagram, so a read from anywhere else can leave
+    // a later readyRead with nothing to take and the socket silent for good. What this batch
+    // leaves behind keeps the read notifier active, so the next event-loop turn continues.
     for (int read = 0; read < batchSize && socket_.hasPendingDatagrams(); ++read) {
         const QNetworkDatagram datagram = socket_.receiveDatagram();
         if (const auto line = asciiLine(datagram.data()))
@@ -54,11 +56,6 @@ void UdpLineSocket::readBatch()
         if (socket_.state() != QAbstractSocket::BoundState)
             return;
     }
-    if (socket_.hasPendingDatagrams() && !batchScheduled_) {
-        batchScheduled_ = true;
-        QTimer::singleShot(0, this, &UdpLineSocket::readBatch);
-    }
 }
 
 } // namespace sensor
-

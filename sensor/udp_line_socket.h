@@ -35,7 +35,6 @@ private:
     void readBatch();
 
     QUdpSocket socket_;
-    bool batchScheduled_ = false;
 };
 
 } // namespace sensor

@@ -91,6 +91,20 @@ TEST_F(TcpServerTest, LinesAreFramedEchoedAndDecoded)
     EXPECT_TRUE(diagnostics.contains(QStringLiteral("Error converting received data into UTF-8 String")));
 }
 
+TEST_F(TcpServerTest, LinesSentJustBeforeClosingStillArrive)
+{
+    const auto server = startServer();
+    QTcpSocket client;
+    connectClient(client, server->listeningPort());
+    QByteArray burst;
+    for (int i = 0; i < 50; ++i)
+        burst += "0,9," + QByteArray::number(i) + "\r\n";
+    client.write(burst);
+    client.disconnectFromHost();
+    ASSERT_TRUE(waitUntil([&] { return lines.size() >= 50; }));
+    EXPECT_EQ(lines.last(), QStringLiteral("0,9,49"));
+}
+
 TEST_F(TcpServerTest, LongLineWithoutCrLfDisconnects)
 {
     const auto server = startServer();

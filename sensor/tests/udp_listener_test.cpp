@@ -3,9 +3,14 @@
 #include "sensor/sensor_listener_controller.h"
 
 #include <QSignalSpy>
+#include <QEventLoop>
+#include <QTimer>
 #include <QUdpSocket>
 
 #include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
 
 namespace {
 
@@ -54,6 +59,38 @@ TEST_F(UdpListenerTest, DatagramsArriveInOrderAcrossBatches)
     for (int i = 0; i < count; ++i)
         ASSERT_EQ(rows.at(i), QStringLiteral("[01-01-1970 12:00:00.0000] Unknown : %1").arg(i));
     EXPECT_EQ(rows.size(), count);
+}
+
+TEST_F(UdpListenerTest, SteadyStreamKeepsBeingRead)
+{
+    controller.setPort(0);
+    controller.startListenerButtonClicked();
+    const quint16 port = controller.boundPort();
+    ASSERT_NE(port, 0);
+    // Paced from another thread while the event loop runs, the way a phone sends: reading
+    // must never stall between datagrams.
+    constexpr int count = 10000;
+    std::thread phone([port] {
+        QUdpSocket socket;
+        const auto start = std::chrono::steady_clock::now();
+        for (int i = 0; i < count; ++i) {
+            std::this_thread::sleep_until(start + std::chrono::microseconds(20 * i));
+            socket.writeDatagram(QByteArray("0,9,") + QByteArray::number(i), QHostAddress::LocalHost, port);
+        }
+    });
+    // A running event loop, as in the application, not polling: the stall showed only there.
+    QEventLoop loop;
+    QTimer check;
+    QObject::connect(&check, &QTimer::timeout, &loop, [&] {
+        if (rows.size() >= count)
+            loop.quit();
+    });
+    check.start(50);
+    QTimer::singleShot(5000, &loop, &QEventLoop::quit);
+    loop.exec();
+    const bool all = rows.size() >= count;
+    phone.join();
+    EXPECT_TRUE(all) << rows.size() << " of " << count;
 }
 
 TEST_F(UdpListenerTest, StopGivesAFreshSocketOnTheSamePort)
