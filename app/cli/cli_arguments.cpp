@@ -21,6 +21,17 @@ std::optional<QString> optionValue(const QStringList& arguments, qsizetype& i, c
     return arguments[++i];
 }
 
+std::optional<long long> positiveNumber(const QString& text, const QString& name, QString* error)
+{
+    bool ok = false;
+    const long long value = text.toLongLong(&ok);
+    if (!ok || value <= 0) {
+        *error = QStringLiteral("%1 needs a positive whole number, not \"%2\"").arg(name, text);
+        return std::nullopt;
+    }
+    return value;
+}
+
 BackendOptionResult takeBackendOption(const QStringList& arguments, qsizetype& i, app::BackendOptions& options,
                                       QString* error)
 {
@@ -30,14 +41,11 @@ BackendOptionResult takeBackendOption(const QStringList& arguments, qsizetype& i
         return BackendOptionResult::Taken;
     }
     if (argument.startsWith(u"--simulate=")) {
-        bool ok = false;
-        const long long count = argument.mid(11).toLongLong(&ok);
-        if (!ok || count <= 0) {
-            *error = QStringLiteral("--simulate needs a positive whole number, not \"%1\"").arg(argument.mid(11));
+        const auto count = positiveNumber(argument.mid(11), QStringLiteral("--simulate"), error);
+        if (!count)
             return BackendOptionResult::Invalid;
-        }
         options.simulate = true;
-        options.simulatedAccessPoints = static_cast<int>(std::min(count, 1'000'000LL));
+        options.simulatedAccessPoints = static_cast<int>(std::min(*count, 1'000'000LL));
         return BackendOptionResult::Taken;
     }
     const QString names[] = {QStringLiteral("--seed"), QStringLiteral("--interface"), QStringLiteral("--capture")};
@@ -71,6 +79,18 @@ std::optional<QString> backendOptionsConflict(const app::BackendOptions& options
     if (!options.simulate && (options.simulationSeed || options.simulatedAccessPoints))
         return QStringLiteral("--seed goes with --simulate");
     return std::nullopt;
+}
+
+QString commandWord(const QStringList& arguments)
+{
+    app::BackendOptions ignored;
+    QString ignoredError;
+    // A malformed backend option still says how many arguments it spans; its command reports it.
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        if (takeBackendOption(arguments, i, ignored, &ignoredError) == BackendOptionResult::NotABackendOption)
+            return arguments[i];
+    }
+    return {};
 }
 
 void writeText(std::FILE* stream, const QString& text)

@@ -8,13 +8,15 @@
 #include <cstdio>
 #include <optional>
 
-// Reading skyvane-cli's options and writing its output, shared by the sensor commands.
+// Reading skyvane-cli's options and writing its output, shared by all its commands.
 namespace cli {
 
 // True when argument is "--name" or "--name=VALUE".
 bool matchesOption(const QString& argument, const QString& name);
 // The value of "--name VALUE" or "--name=VALUE"; advances i past what it used.
 std::optional<QString> optionValue(const QStringList& arguments, qsizetype& i, const QString& name, QString* error);
+// text as a whole number above zero; nullopt with *error naming the option when it is not.
+std::optional<long long> positiveNumber(const QString& text, const QString& name, QString* error);
 
 enum class BackendOptionResult { NotABackendOption, Taken, Invalid };
 // Takes one backend option (--interface, --simulate[=N], --seed, --capture) into options.
@@ -22,6 +24,11 @@ BackendOptionResult takeBackendOption(const QStringList& arguments, qsizetype& i
                                       QString* error);
 // nullopt when the backend options fit together, else why not.
 std::optional<QString> backendOptionsConflict(const app::BackendOptions& options);
+
+// The first argument that is neither a backend option nor its value, empty when there is none:
+// backend options may come before any command, and a command's own values (scan --ssid listen)
+// must never be taken for another command.
+QString commandWord(const QStringList& arguments);
 
 // UTF-8, flushed at once so a reader at the other end of a pipe sees each line as it comes.
 void writeText(std::FILE* stream, const QString& text);

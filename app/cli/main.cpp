@@ -1,3 +1,4 @@
+#include "app/cli/cli_arguments.h"
 #include "app/cli/decode_command.h"
 #include "app/cli/listen_command.h"
 #include "app/cli/scan_command.h"
@@ -38,7 +39,10 @@ int main(int argc, char* argv[])
         printUsage(stdout);
         return 0;
     }
-    if (!arguments.isEmpty() && arguments[0] == u"decode") {
+    const QString command = cli::commandWord(arguments);
+    // decode and sensor-send take no backend options, so only a leading word names them.
+    const bool leading = !arguments.isEmpty() && arguments[0] == command;
+    if (leading && command == u"decode") {
         if (arguments.size() == 2)
             return cli::decodeCapture(arguments[1], stdout, stderr);
         printUsage(stderr);
@@ -46,7 +50,7 @@ int main(int argc, char* argv[])
     }
 
     QString error;
-    if (!arguments.isEmpty() && arguments[0] == u"sensor-send") {
+    if (leading && command == u"sensor-send") {
         const auto send = cli::parseSensorSendArguments(arguments.mid(1), &error);
         if (!send) {
             std::fprintf(stderr, "skyvane-cli: %s\n", error.toUtf8().constData());
@@ -54,7 +58,7 @@ int main(int argc, char* argv[])
         }
         return cli::runSensorSend(*send, stdout, stderr);
     }
-    if (arguments.contains(QStringLiteral("listen"))) {
+    if (command == u"listen") {
         const auto listen = cli::parseListenArguments(arguments, &error);
         if (!listen) {
             std::fprintf(stderr, "skyvane-cli: %s\n", error.toUtf8().constData());
@@ -62,7 +66,7 @@ int main(int argc, char* argv[])
         }
         return cli::runListen(*listen, stdout, stderr);
     }
-    if (cli::isScanCommand(arguments)) {
+    if (command == u"scan") {
         const auto scan = cli::parseScanArguments(arguments, &error);
         if (!scan) {
             printUsage(stderr);

@@ -1,28 +1,9 @@
 #include "app/cli/scan_command.h"
 
+#include "app/cli/cli_arguments.h"
+
 namespace cli {
 namespace {
-
-const QStringList valueOptions = {
-    QStringLiteral("--interface"), QStringLiteral("--capture"), QStringLiteral("--seed"),
-    QStringLiteral("--interval"), QStringLiteral("--count"), QStringLiteral("--duration"),
-    QStringLiteral("--ssid"), QStringLiteral("--channel"), QStringLiteral("--band"),
-    QStringLiteral("--rssi"), QStringLiteral("--and-or1"), QStringLiteral("--and-or2"),
-    QStringLiteral("--and-or3"), QStringLiteral("--db"),
-};
-
-// "--name VALUE" or "--name=VALUE"; advances i past what it used.
-std::optional<QString> optionValue(const QStringList& arguments, qsizetype& i, const QString& name, QString* error)
-{
-    const QString& argument = arguments[i];
-    if (argument.startsWith(name + QLatin1Char('=')))
-        return argument.mid(name.size() + 1);
-    if (i + 1 >= arguments.size()) {
-        *error = QStringLiteral("%1 needs a value").arg(name);
-        return std::nullopt;
-    }
-    return arguments[++i];
-}
 
 std::optional<int> wholeNumber(const std::optional<QString>& text, const QString& name, int minimum, int maximum,
                                QString* error)
@@ -67,20 +48,6 @@ std::optional<ScanExporter::Kind> exportKind(const QString& word)
 
 } // namespace
 
-bool isScanCommand(const QStringList& arguments)
-{
-    for (qsizetype i = 0; i < arguments.size(); ++i) {
-        const QString& argument = arguments[i];
-        if (argument == u"scan")
-            return true;
-        if (valueOptions.contains(argument))
-            ++i;
-        else if (argument == u"--export")
-            i += 2;
-    }
-    return false;
-}
-
 std::optional<ScanRequest> parseScanArguments(const QStringList& arguments, QString* error)
 {
     ScanRequest request;
@@ -90,35 +57,18 @@ std::optional<ScanRequest> parseScanArguments(const QStringList& arguments, QStr
         const QString& argument = arguments[i];
         const QString name = argument.section(QLatin1Char('='), 0, 0);
         const auto value = [&] { return optionValue(arguments, i, name, error); };
+        const BackendOptionResult backend = takeBackendOption(arguments, i, request.backend, error);
+        if (backend == BackendOptionResult::Invalid)
+            return std::nullopt;
+        if (backend == BackendOptionResult::Taken)
+            continue;
         if (argument == u"scan" && !command) {
             command = true;
-        } else if (argument == u"--simulate") {
-            request.backend.simulate = true;
-        } else if (name == u"--simulate") {
-            request.backend.simulate = true;
-            const auto count = wholeNumber(argument.mid(11), name, 1, 1'000'000, error);
-            if (!count)
-                return std::nullopt;
-            request.backend.simulatedAccessPoints = *count;
-        } else if (name == u"--seed") {
-            const auto text = value();
-            bool ok = false;
-            const std::uint64_t seed = text ? text->toULongLong(&ok) : 0;
-            if (!ok) {
-                if (text)
-                    *error = QStringLiteral("--seed needs a whole number, not \"%1\"").arg(*text);
-                return std::nullopt;
-            }
-            request.backend.simulationSeed = seed;
-        } else if (name == u"--interface" || name == u"--capture" || name == u"--ssid" || name == u"--db") {
+        } else if (name == u"--ssid" || name == u"--db") {
             const auto text = value();
             if (!text)
                 return std::nullopt;
-            QString& target = name == u"--interface" ? request.backend.interfaceName
-                              : name == u"--capture" ? request.backend.captureFile
-                              : name == u"--ssid"    ? filter.ssidForFilterValue
-                                                     : request.databasePath;
-            target = *text;
+            (name == u"--ssid" ? filter.ssidForFilterValue : request.databasePath) = *text;
         } else if (name == u"--interval" || name == u"--count" || name == u"--duration") {
             const auto number = wholeNumber(value(), name, 1, 86400 * 365, error);
             if (!number)
@@ -181,12 +131,8 @@ std::optional<ScanRequest> parseScanArguments(const QStringList& arguments, QStr
         *error = QStringLiteral("choose either --count or --duration");
         return std::nullopt;
     }
-    if (request.backend.simulate && !request.backend.captureFile.isEmpty()) {
-        *error = QStringLiteral("choose either --simulate or --capture");
-        return std::nullopt;
-    }
-    if (!request.backend.simulate && (request.backend.simulationSeed || request.backend.simulatedAccessPoints)) {
-        *error = QStringLiteral("--seed goes with --simulate");
+    if (const auto conflict = backendOptionsConflict(request.backend)) {
+        *error = *conflict;
         return std::nullopt;
     }
     filter.userDidClickedApplyFilterButton();

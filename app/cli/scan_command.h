@@ -27,9 +27,6 @@ struct ScanRequest {
     QString exportFile;
 };
 
-// Whether the arguments name the scan command (the word "scan" where no option expects a value).
-bool isScanCommand(const QStringList& arguments);
-
 // nullopt with *error naming the offending argument when the arguments form no scan request.
 std::optional<ScanRequest> parseScanArguments(const QStringList& arguments, QString* error);
 

@@ -169,14 +169,10 @@ std::optional<SensorSendRequest> parseSensorSendArguments(const QStringList& arg
             request.linesPerSecond = rate;
         } else if (matchesOption(argument, QStringLiteral("--count"))) {
             const auto text = optionValue(arguments, i, QStringLiteral("--count"), error);
-            bool ok = false;
-            const qint64 count = text ? text->toLongLong(&ok) : 0;
-            if (!ok || count <= 0) {
-                if (text)
-                    *error = QStringLiteral("--count needs a positive whole number, not \"%1\"").arg(*text);
+            const auto count = text ? positiveNumber(*text, QStringLiteral("--count"), error) : std::nullopt;
+            if (!count)
                 return std::nullopt;
-            }
-            request.count = count;
+            request.count = *count;
         } else if (matchesOption(argument, QStringLiteral("--gpx"))) {
             const auto file = optionValue(arguments, i, QStringLiteral("--gpx"), error);
             if (!file)

@@ -1,5 +1,6 @@
 #include "app/cli/tool_command.h"
 
+#include "app/cli/cli_arguments.h"
 #include "app/cli/tool_output.h"
 
 #include <algorithm>
@@ -18,35 +19,6 @@ void write(std::FILE* stream, const QByteArray& bytes)
 void write(std::FILE* stream, const QString& text)
 {
     write(stream, text.toUtf8());
-}
-
-// "--name VALUE" or "--name=VALUE"; advances i past what it used.
-std::optional<QString> optionValue(const QStringList& arguments, qsizetype& i, const QString& name, QString* error)
-{
-    const QString& argument = arguments[i];
-    if (argument.startsWith(name + QLatin1Char('=')))
-        return argument.mid(name.size() + 1);
-    if (i + 1 >= arguments.size()) {
-        *error = QStringLiteral("%1 needs a value").arg(name);
-        return std::nullopt;
-    }
-    return arguments[++i];
-}
-
-bool matches(const QString& argument, const QString& name)
-{
-    return argument == name || argument.startsWith(name + QLatin1Char('='));
-}
-
-std::optional<long long> positiveNumber(const QString& text, const QString& name, QString* error)
-{
-    bool ok = false;
-    const long long value = text.toLongLong(&ok);
-    if (!ok || value <= 0) {
-        *error = QStringLiteral("%1 needs a positive whole number, not \"%2\"").arg(name, text);
-        return std::nullopt;
-    }
-    return value;
 }
 
 struct Heard {
@@ -97,6 +69,11 @@ std::optional<ToolRequest> parseToolArguments(const QStringList& arguments, QStr
     std::optional<std::chrono::milliseconds> interval;
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString& argument = arguments[i];
+        const BackendOptionResult backend = takeBackendOption(arguments, i, request.backend, error);
+        if (backend == BackendOptionResult::Invalid)
+            return std::nullopt;
+        if (backend == BackendOptionResult::Taken)
+            continue;
         if (argument == u"-s") {
             scan = true;
         } else if (argument == u"-x") {
@@ -105,35 +82,7 @@ std::optional<ToolRequest> parseToolArguments(const QStringList& arguments, QStr
             link = true;
         } else if (argument == u"watch") {
             watch = true;
-        } else if (argument == u"--simulate") {
-            request.backend.simulate = true;
-        } else if (argument.startsWith(u"--simulate=")) {
-            request.backend.simulate = true;
-            const auto count = positiveNumber(argument.mid(11), QStringLiteral("--simulate"), error);
-            if (!count)
-                return std::nullopt;
-            request.backend.simulatedAccessPoints = static_cast<int>(std::min(*count, 1'000'000LL));
-        } else if (matches(argument, QStringLiteral("--seed"))) {
-            const auto text = optionValue(arguments, i, QStringLiteral("--seed"), error);
-            bool ok = false;
-            const std::uint64_t seed = text ? text->toULongLong(&ok) : 0;
-            if (!ok) {
-                if (text)
-                    *error = QStringLiteral("--seed needs a whole number, not \"%1\"").arg(*text);
-                return std::nullopt;
-            }
-            request.backend.simulationSeed = seed;
-        } else if (matches(argument, QStringLiteral("--interface"))) {
-            const auto name = optionValue(arguments, i, QStringLiteral("--interface"), error);
-            if (!name)
-                return std::nullopt;
-            request.backend.interfaceName = *name;
-        } else if (matches(argument, QStringLiteral("--capture"))) {
-            const auto file = optionValue(arguments, i, QStringLiteral("--capture"), error);
-            if (!file)
-                return std::nullopt;
-            request.backend.captureFile = *file;
-        } else if (matches(argument, QStringLiteral("--interval"))) {
+        } else if (matchesOption(argument, QStringLiteral("--interval"))) {
             const auto text = optionValue(arguments, i, QStringLiteral("--interval"), error);
             bool ok = false;
             const double seconds = text ? text->toDouble(&ok) : 0.0;
@@ -143,7 +92,7 @@ std::optional<ToolRequest> parseToolArguments(const QStringList& arguments, QStr
                 return std::nullopt;
             }
             interval = std::chrono::milliseconds(std::llround(seconds * 1000.0));
-        } else if (matches(argument, QStringLiteral("--count"))) {
+        } else if (matchesOption(argument, QStringLiteral("--count"))) {
             const auto text = optionValue(arguments, i, QStringLiteral("--count"), error);
             const auto count = text ? positiveNumber(*text, QStringLiteral("--count"), error) : std::nullopt;
             if (!count)
@@ -167,12 +116,8 @@ std::optional<ToolRequest> parseToolArguments(const QStringList& arguments, QStr
         *error = QStringLiteral("--interval and --count go with watch");
         return std::nullopt;
     }
-    if (request.backend.simulate && !request.backend.captureFile.isEmpty()) {
-        *error = QStringLiteral("choose either --simulate or --capture");
-        return std::nullopt;
-    }
-    if (!request.backend.simulate && (request.backend.simulationSeed || request.backend.simulatedAccessPoints)) {
-        *error = QStringLiteral("--seed goes with --simulate");
+    if (const auto conflict = backendOptionsConflict(request.backend)) {
+        *error = *conflict;
         return std::nullopt;
     }
     request.action = watch ? ToolAction::Watch

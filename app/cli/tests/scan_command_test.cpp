@@ -1,3 +1,4 @@
+#include "app/cli/cli_arguments.h"
 #include "app/cli/scan_command.h"
 
 #include <QFile>
@@ -64,9 +65,23 @@ TEST(ScanArguments, RejectsWhatFormsNoRun)
         EXPECT_FALSE(cli::parseScanArguments(arguments, &error)) << arguments.join(' ').toStdString();
         EXPECT_FALSE(error.isEmpty());
     }
-    EXPECT_TRUE(cli::isScanCommand({"--simulate=4", "scan"}));
-    EXPECT_FALSE(cli::isScanCommand({"watch", "--capture", "scan"}));
-    EXPECT_FALSE(cli::isScanCommand({"--export", "csv", "scan"}));
+}
+
+TEST(CommandWord, SkipsBackendOptionsAndTheirValuesOnly)
+{
+    const struct {
+        QStringList arguments;
+        const char* command;
+    } cases[] = {
+        {{"--simulate=4", "scan"}, "scan"},
+        {{"--seed=3", "--interface", "listen", "-s"}, "-s"},
+        {{"--seed", "x", "listen"}, "listen"},
+        {{"watch", "--capture", "scan"}, "watch"},
+        {{"--export", "csv", "scan"}, "--export"},
+        {{"--simulate", "--capture"}, ""},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(cli::commandWord(c.arguments), QLatin1String(c.command)) << c.arguments.join(' ').toStdString();
 }
 
 TEST(ScanCommand, PrintsEveryScanAndExportsAtTheEnd)
@@ -103,6 +118,17 @@ TEST(ScanCommand, PrintsEveryScanAndExportsAtTheEnd)
     ASSERT_GE(table.lines.size(), 3);
     EXPECT_TRUE(countLabel.match(QString::fromUtf8(table.lines[0])).hasMatch()) << table.lines[0].constData();
     EXPECT_TRUE(table.lines[1].contains("SSID") && table.lines[1].contains("BSSID"));
+}
+
+TEST(ScanCommand, AFilterValueNamingAnotherCommandStaysAScan)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const CliRun run = runCli({"--simulate", "scan", "--ssid", "listen", "--count", "1", "--db",
+                               dir.filePath(QStringLiteral("db.sqlite"))});
+    ASSERT_EQ(run.exitCode, 0) << run.err.constData();
+    ASSERT_FALSE(run.lines.isEmpty());
+    EXPECT_TRUE(countLabel.match(QString::fromUtf8(run.lines[0])).hasMatch()) << run.lines[0].constData();
 }
 
 TEST(ScanCommand, BadOptionPrintsUsage)
