@@ -119,15 +119,12 @@ TEST(InformationElementParser, AccessPointNamesAndWps)
 
     QTemporaryDir dir;
     SettingsStore::setShared(std::make_unique<SettingsStore>(dir.filePath("settings.conf")));
+    const ScanedResultInfo unnamed = parsed("DD 05 000B86 01 03");
+    EXPECT_TRUE(unnamed.apname.isEmpty());
+    EXPECT_FALSE(ScannerUtils::getUserSettingForKey(unnamed.bssid + "-apname").isValid());
     const ScanedResultInfo named = parsed("DD 0C 000B86 01 03 6C6F6262792D31");
     EXPECT_EQ(named.apname, QStringLiteral("lobby-1"));
     EXPECT_EQ(ScannerUtils::getUserSettingForKey(named.bssid + "-apname").toString(), QStringLiteral("lobby-1"));
-
-    ScanedResultInfo unnamed;
-    unnamed.bssid = QStringLiteral("66:77:88:99:AA:BB");
-    unnamed.parseInformationElement(QByteArray::fromHex("DD 05 000B86 01 03"));
-    EXPECT_TRUE(unnamed.apname.isEmpty());
-    EXPECT_FALSE(ScannerUtils::getUserSettingForKey(unnamed.bssid + "-apname").isValid());
     SettingsStore::setShared(nullptr);
 }
 

@@ -89,7 +89,6 @@ TEST_F(RecordBuilderTest, WidthOffsetAndStreamsOnBothInterfaceGenerations)
         {false, htCapabilities(3) + htOperation(0x05), W::Width40MHz, "a/n", 40, 1, 3},
         {false, htCapabilities(3) + htOperation(0x05), W::Width40MHz, "a/n/ac", 80, 0, 3},
         {false, htCapabilities(2) + htOperation(0x05), W::Width40MHz, "a/n/ac", 40, 1, 2},
-        {false, htOperation(0x05), W::Width80MHz, "a/n/ac", 80, 0, 1},
         {false, htOperation(0x07), W::Width160MHz, "a/n/ac", 160, 0, 1},
         {false, QByteArray(), W::Unknown, "a", 0, 0, 1},
         // The oldest generation ignores the reported width and reads the HT offset instead.

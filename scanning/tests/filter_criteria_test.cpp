@@ -36,7 +36,6 @@ TEST_P(ConditionTest, BuildsTheConditionFragmentByFragment)
 INSTANTIATE_TEST_SUITE_P(
     Filter, ConditionTest,
     ::testing::Values(
-        ConditionCase{"NameOrChannel", "lab", "6", 0, 1, 0, 0, "", 0, "SSID like '%lab%'  or originalChannel=6 "},
         ConditionCase{"BandAlone", "", "", 2, 0, 0, 0, "", 0, "channelBond=5 "},
         ConditionCase{"AnyAndEmptyAddNothing", "Any", "Any", 0, 0, 0, 0, "", 0, ""},
         ConditionCase{"SignalZeroAddsNothing", "", "", 0, 0, 0, 0, "0", 0, ""},

@@ -39,12 +39,12 @@ ObservationRow row(const QString& ssid, const QString& bssid, int rssi, double s
     return ObservationRow::fromScanResult(network(ssid, bssid, rssi, channel), QString::number(channel), seen);
 }
 
-// Every stored column of every row, in table order, as one line of text per row.
-QStringList tableContents(sqlite3* db)
+// Each result row as one line of "value:type" cells, so a value stored with the wrong type shows.
+QStringList query(sqlite3* db, const char* sql = "select * from wifi_scan_data order by rowid")
 {
     QStringList lines;
     sqlite3_stmt* s = nullptr;
-    sqlite3_prepare_v2(db, "select * from wifi_scan_data order by rowid", -1, &s, nullptr);
+    sqlite3_prepare_v2(db, sql, -1, &s, nullptr);
     while (s && sqlite3_step(s) == SQLITE_ROW) {
         QStringList cells;
         for (int c = 0; c < sqlite3_column_count(s); ++c)
@@ -83,14 +83,9 @@ TEST_F(ScanDatabaseTest, ShippedCopyIsMigratedOnceAndIndexed)
     EXPECT_EQ(logged, QStringList{QStringLiteral("column normalized_ssid added")});
 
     database.storeScan({row(QStringLiteral("Cafe"), QStringLiteral("a:b:c:d:e:f"), -50, 1.5)}, true);
-    EXPECT_EQ(tableContents(database.handle()),
+    EXPECT_EQ(query(database.handle()),
               QStringList{QStringLiteral("6:1|6:1|b/g/n:3|-50:1|-90:1|Cafe:3|0A:0B:0C:0D:0E:0F:3|40:1|-1:3|0:3|1.5:2|2.4:2|Cafe:3")});
-
-    sqlite3_stmt* s = nullptr;
-    sqlite3_prepare_v2(database.handle(), "select count(*) from sqlite_master where type='index'", -1, &s, nullptr);
-    sqlite3_step(s);
-    EXPECT_EQ(sqlite3_column_int(s, 0), 2);
-    sqlite3_finalize(s);
+    EXPECT_EQ(query(database.handle(), "select count(*) from sqlite_master where type='index'"), QStringList{"2:1"});
 }
 
 struct StoreCase {
@@ -103,22 +98,20 @@ struct StoreCase {
 
 TEST_F(ScanDatabaseTest, StoredScansShowTheLatestObservations)
 {
-    const QString a = QStringLiteral("00:00:00:00:00:0A"), b = QStringLiteral("00:00:00:00:00:0B"),
-                  c = QStringLiteral("00:00:00:00:00:0C");
+    const QString a = "00:00:00:00:00:0A", b = "00:00:00:00:00:0B", c = "00:00:00:00:00:0C";
     const QList<StoreCase> cases = {
-        {"one name, one band: the stronger", true,
-         {{row(QStringLiteral("Home"), a, -70, 1), row(QStringLiteral("Home"), b, -40, 1)}}, {b + " -40 1"}},
-        {"one name, two bands: one row each", true,
-         {{row(QStringLiteral("Home"), a, -70, 1, 36), row(QStringLiteral("Home"), b, -40, 1)}}, {b + " -40 1", a + " -70 1"}},
-        {"hidden networks of a band group together", true,
-         {{row(QString(), a, -80, 1), row(QString(), b, -60, 1)}}, {b + " -60 1"}},
+        {"one name, one band: the stronger", true, {{row("Home", a, -70, 1), row("Home", b, -40, 1)}}, {b + " -40 1"}},
+        {"the strongest whatever the insert order", true,
+         {{row("Home", b, -60, 1), row("Home", a, -30, 1), row("Home", c, -90, 1)}}, {a + " -30 1"}},
+        {"one name, two bands: one row each", true, {{row("Home", a, -70, 1, 36), row("Home", b, -40, 1)}},
+         {b + " -40 1", a + " -70 1"}},
+        {"hidden networks of a band group together", true, {{row(QString(), a, -80, 1), row(QString(), b, -60, 1)}},
+         {b + " -60 1"}},
         {"merge replaces every row of a name seen again, keeps names not seen", true,
-         {{row(QStringLiteral("Home"), a, -70, 1), row(QStringLiteral("Home"), b, -40, 1), row(QStringLiteral("Shop"), c, -50, 1)},
-          {row(QStringLiteral("Home"), a, -65, 2)}},
+         {{row("Home", a, -70, 1), row("Home", b, -40, 1), row("Shop", c, -50, 1)}, {row("Home", a, -65, 2)}},
          {a + " -65 2", c + " -50 1"}},
         {"without merging only the BSSIDs seen are replaced", false,
-         {{row(QStringLiteral("Home"), a, -70, 1), row(QStringLiteral("Home"), b, -40, 1)}, {row(QStringLiteral("Home"), a, -65, 2)}},
-         {b + " -40 1", a + " -65 2"}},
+         {{row("Home", a, -70, 1), row("Home", b, -40, 1)}, {row("Home", a, -65, 2)}}, {b + " -40 1", a + " -65 2"}},
     };
     for (const StoreCase& test : cases) {
         ScanDatabase database(databasePath(QString::fromLatin1(test.name)));
@@ -135,30 +128,11 @@ TEST_F(ScanDatabaseTest, StoredScansShowTheLatestObservations)
     EXPECT_EQ(logged.count(QStringLiteral("Here i got a hidden ssid with bssid as ") + a), 1);
 }
 
-TEST_F(ScanDatabaseTest, GroupedQueryKeepsTheStrongestRowWhateverTheInsertOrder)
-{
-    ScanDatabase database(databasePath());
-    database.updateDatabase();
-    QList<ObservationRow> rows;
-    for (int i = 0; i < 600; ++i) {
-        const int rssi = -30 - (i * 37) % 61;  // a permutation of -30..-90 repeated
-        rows.append(row(QStringLiteral("Net%1").arg(i % 3), QStringLiteral("02:00:00:00:%1:%2").arg(i / 256).arg(i % 256), rssi, 1));
-    }
-    database.storeScan(rows, false);
-    const auto shown = database.readForDisplay(QString(), QString(), true);
-    ASSERT_TRUE(shown);
-    ASSERT_EQ(shown->size(), 3);
-    for (const StoredObservation& o : *shown)
-        EXPECT_EQ(o.rssi, -30) << o.ssid.toStdString();
-}
-
 TEST_F(ScanDatabaseTest, FilterKeepsTheAssociatedNetworkAndAFailingFilterIsSkipped)
 {
     ScanDatabase database(databasePath());
     database.updateDatabase();
-    database.storeScan({row(QStringLiteral("Home"), QStringLiteral("00:00:00:00:00:01"), -50, 1),
-                        row(QStringLiteral("Shop"), QStringLiteral("00:00:00:00:00:02"), -60, 1)},
-                       true);
+    database.storeScan({row("Home", "00:00:00:00:00:01", -50, 1), row("Shop", "00:00:00:00:00:02", -60, 1)}, true);
     for (bool merge : {true, false}) {
         const auto shown = database.readForDisplay(QStringLiteral("SSID like '%Nothing%' "), QStringLiteral("00:00:00:00:00:02"), merge);
         ASSERT_TRUE(shown);
@@ -179,12 +153,10 @@ TEST_F(ScanDatabaseTest, FilterKeepsTheAssociatedNetworkAndAFailingFilterIsSkipp
 TEST_F(ScanDatabaseTest, BatchedStoreMatchesTheLiteralStatements)
 {
     const QList<QList<ObservationRow>> scans = {
-        {row(QStringLiteral("SSID"), QStringLiteral("0:0:0:0:0:1"), -50, 1), row(QStringLiteral("Cafe"), QStringLiteral("0:0:0:0:0:2"), -60, 1),
-         row(QStringLiteral("Bob's \"Net\""), QStringLiteral("0:0:0:0:0:3"), -70, 1), row(QString(), QStringLiteral("0:0:0:0:0:4"), -80, 1),
-         row(QStringLiteral("!!!"), QStringLiteral("0:0:0:0:0:5"), -75, 1), row(QStringLiteral("Cafe"), QStringLiteral("0:0:0:0:0:6"), -65, 1)},
-        {row(QStringLiteral("Cafe"), QStringLiteral("0:0:0:0:0:2"), -55, 2), row(QStringLiteral("rowid"), QStringLiteral("0:0:0:0:0:7"), -40, 2),
-         row(QStringLiteral("ssid"), QStringLiteral("0:0:0:0:0:8"), -45, 2), row(QStringLiteral("Bobs Net"), QStringLiteral("0:0:0:0:0:9"), -71, 2),
-         row(QStringLiteral("???"), QStringLiteral("0:0:0:0:0:a"), -52, 2), row(QStringLiteral("x"), QStringLiteral("it's"), -50, 2)},
+        {row("SSID", "0:0:0:0:0:1", -50, 1), row("Cafe", "0:0:0:0:0:2", -60, 1), row("Bob's \"Net\"", "0:0:0:0:0:3", -70, 1),
+         row(QString(), "0:0:0:0:0:4", -80, 1), row("!!!", "0:0:0:0:0:5", -75, 1), row("Cafe", "0:0:0:0:0:6", -65, 1)},
+        {row("Cafe", "0:0:0:0:0:2", -55, 2), row("rowid", "0:0:0:0:0:7", -40, 2), row("ssid", "0:0:0:0:0:8", -45, 2),
+         row("Bobs Net", "0:0:0:0:0:9", -71, 2), row("???", "0:0:0:0:0:a", -52, 2), row("x", "it's", -50, 2)},
     };
     for (bool migrated : {true, false}) {
         for (bool merge : {true, false}) {
@@ -201,9 +173,9 @@ TEST_F(ScanDatabaseTest, BatchedStoreMatchesTheLiteralStatements)
                 logged.clear();
                 literal_scan_store::storeScan(literal, scan, merge);
                 EXPECT_EQ(batchedLogs, logged) << migrated << merge;
-                EXPECT_EQ(tableContents(batched.handle()), tableContents(literal.handle())) << migrated << merge;
+                EXPECT_EQ(query(batched.handle()), query(literal.handle())) << migrated << merge;
             }
-            EXPECT_EQ(tableContents(batched.handle()).isEmpty(), !migrated);
+            EXPECT_EQ(query(batched.handle()).isEmpty(), !migrated);
         }
     }
 }
@@ -213,8 +185,7 @@ TEST_F(ScanDatabaseTest, CountsAreLeftInTheSettings)
     SettingsStore::setShared(std::make_unique<SettingsStore>(dir.filePath(QStringLiteral("settings.conf"))));
     ScanDatabase database(databasePath());
     database.updateDatabase();
-    database.storeScan({row(QStringLiteral("A"), QStringLiteral("0:0:0:0:0:1"), -50, 1, 1), row(QStringLiteral("B"), QStringLiteral("0:0:0:0:0:2"), -50, 1, 14),
-                        row(QStringLiteral("C"), QStringLiteral("0:0:0:0:0:3"), -50, 1, 36)},
+    database.storeScan({row("A", "0:0:0:0:0:1", -50, 1, 1), row("B", "0:0:0:0:0:2", -50, 1, 14), row("C", "0:0:0:0:0:3", -50, 1, 36)},
                        true);
     database.updateNetworkCountsForSummaryWindow();
     database.update24MhzNetworkCountsForSummaryWindow();
@@ -285,16 +256,9 @@ TEST_F(ScanDatabaseTest, KillDuringAScanLeavesAConsistentTable)
             ++interrupted;
 
         ScanDatabase reopened(path);
-        sqlite3_stmt* s = nullptr;
-        sqlite3_prepare_v2(reopened.handle(), "pragma integrity_check", -1, &s, nullptr);
-        ASSERT_EQ(sqlite3_step(s), SQLITE_ROW);
-        EXPECT_STREQ(reinterpret_cast<const char*>(sqlite3_column_text(s, 0)), "ok");
-        sqlite3_finalize(s);
-        sqlite3_prepare_v2(reopened.handle(), "select count(*), count(distinct lastSeen) from wifi_scan_data", -1, &s, nullptr);
-        ASSERT_EQ(sqlite3_step(s), SQLITE_ROW);
-        EXPECT_EQ(sqlite3_column_int(s, 0), networks);
-        EXPECT_EQ(sqlite3_column_int(s, 1), 1);
-        sqlite3_finalize(s);
+        EXPECT_EQ(query(reopened.handle(), "pragma integrity_check"), QStringList{"ok:3"});
+        EXPECT_EQ(query(reopened.handle(), "select count(*), count(distinct lastSeen) from wifi_scan_data"),
+                  QStringList{QStringLiteral("%1:1|1:1").arg(networks)});
     }
     EXPECT_GT(interrupted, 0) << "no kill landed inside a scan's transaction";
 }

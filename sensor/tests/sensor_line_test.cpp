@@ -66,10 +66,8 @@ TEST_F(SensorLineTest, LinesBecomeRowsOrAreIgnored)
         {"1700000000123,3,1,2,3", nullptr},
         {"1700000000123,2,10,12", nullptr},
         {"1700000000123,4,1,2,3", nullptr},
-        {"1700000000123,1", nullptr},
         {"1,2", nullptr},
         {"", nullptr},
-        {"x", nullptr},
         {"\x01\x02\x7f", nullptr},
         {"99999999999999999999999,7,a", nullptr},
     };
@@ -80,14 +78,10 @@ TEST_F(SensorLineTest, LinesBecomeRowsOrAreIgnored)
         else
             EXPECT_EQ(outcome.rows, QStringList{QString::fromLatin1(c.row)}) << c.line;
     }
-}
-
-TEST_F(SensorLineTest, GpsWithFourValuesFailsWithoutRow)
-{
-    sensor::SensorListenerController controller(nullptr);
-    const Outcome outcome = feed(controller, QStringLiteral("1700000000123,1,51.5,-0.12,35.2,5"));
-    EXPECT_TRUE(outcome.rows.isEmpty());
-    EXPECT_EQ(outcome.diagnostics.size(), 1);
+    // Four GPS values pass the length check, yet a fix needs five: no row, but the console hears of it.
+    const Outcome fourValues = feed(controller, QStringLiteral("1700000000123,1,51.5,-0.12,35.2,5"));
+    EXPECT_TRUE(fourValues.rows.isEmpty());
+    EXPECT_EQ(fourValues.diagnostics.size(), 1);
 }
 
 TEST_F(SensorLineTest, GpsRowFollowsPlatformGeneration)

@@ -37,34 +37,39 @@ protected:
     void SetUp() override { ensureApplication(); }
 
     // A started server with short timeouts; its received texts collect in lines.
-    std::unique_ptr<GCDSensorLoggerTCPServer> startServer()
+    void startServer()
     {
-        auto server = std::make_unique<GCDSensorLoggerTCPServer>(0, sensor::TcpLineTimeouts{std::chrono::milliseconds(300),
-                                                                                            std::chrono::milliseconds(100)});
+        server = std::make_unique<GCDSensorLoggerTCPServer>(0, sensor::TcpLineTimeouts{std::chrono::milliseconds(300),
+                                                                                      std::chrono::milliseconds(100)});
         QObject::connect(server.get(), &GCDSensorLoggerTCPServer::sensorLoggerGCDTCPServerDidReceiveData,
                          [this](const QString& text) { lines << text; });
         QObject::connect(server.get(), &GCDSensorLoggerTCPServer::diagnostic,
                          [this](const QString& text) { diagnostics << text; });
         server->startListeningOnPort();
         EXPECT_TRUE(waitUntil([&] { return server->isRunning(); }));
-        return server;
     }
 
-    static void connectClient(QTcpSocket& client, quint16 port)
+    void connectClient(quint16 port)
     {
         client.connectToHost(QHostAddress::LocalHost, port);
         ASSERT_TRUE(client.waitForConnected(3000));
     }
 
+    void startServerAndConnect()
+    {
+        startServer();
+        connectClient(server->listeningPort());
+    }
+
     QStringList lines;
     QStringList diagnostics;
+    std::unique_ptr<GCDSensorLoggerTCPServer> server;
+    QTcpSocket client;
 };
 
 TEST_F(TcpServerTest, SilentClientGetsOneReminderAndStaysConnected)
 {
-    const auto server = startServer();
-    QTcpSocket client;
-    connectClient(client, server->listeningPort());
+    startServerAndConnect();
     // The 300 ms read, then several 100 ms extensions.
     QByteArray received = receive(client, welcome.size() + reminder.size());
     waitUntil([] { return false; }, 700);
@@ -81,9 +86,7 @@ TEST_F(TcpServerTest, SilentClientGetsOneReminderAndStaysConnected)
 
 TEST_F(TcpServerTest, LinesAreFramedEchoedAndDecoded)
 {
-    const auto server = startServer();
-    QTcpSocket client;
-    connectClient(client, server->listeningPort());
+    startServerAndConnect();
     const QByteArray sent = QByteArray("0,9,a\r\n0,9,b\r") + QByteArray("\n\xff\xfe\r\n0,9,\xc3\xa9\r\n");
     client.write(sent);
     EXPECT_EQ(receive(client, welcome.size() + sent.size()), welcome + sent);
@@ -93,9 +96,7 @@ TEST_F(TcpServerTest, LinesAreFramedEchoedAndDecoded)
 
 TEST_F(TcpServerTest, LinesSentJustBeforeClosingStillArrive)
 {
-    const auto server = startServer();
-    QTcpSocket client;
-    connectClient(client, server->listeningPort());
+    startServerAndConnect();
     QByteArray burst;
     for (int i = 0; i < 50; ++i)
         burst += "0,9," + QByteArray::number(i) + "\r\n";
@@ -107,9 +108,7 @@ TEST_F(TcpServerTest, LinesSentJustBeforeClosingStillArrive)
 
 TEST_F(TcpServerTest, LongLineWithoutCrLfDisconnects)
 {
-    const auto server = startServer();
-    QTcpSocket client;
-    connectClient(client, server->listeningPort());
+    startServerAndConnect();
     client.write(QByteArray(70 * 1024, 'a'));
     EXPECT_TRUE(waitUntil([&] { return client.state() == QAbstractSocket::UnconnectedState; }));
     EXPECT_TRUE(waitUntil([&] { return server->connectionCount() == 0; }));
@@ -120,7 +119,7 @@ TEST_F(TcpServerTest, LongLineWithoutCrLfDisconnects)
 
 TEST_F(TcpServerTest, ServesManyClientsAtOnce)
 {
-    const auto server = startServer();
+    startServer();
     constexpr int clientCount = 200;
     std::vector<std::unique_ptr<QTcpSocket>> clients;
     for (int i = 0; i < clientCount; ++i) {
@@ -163,8 +162,7 @@ TEST_F(TcpServerTest, ControllerStartsStopsAndDropsOneCharacterLines)
         EXPECT_TRUE(reported);
     }
 
-    QTcpSocket client;
-    connectClient(client, port);
+    connectClient(port);
     client.write("x\r\n1700000000123,7,a\r\n");
     ASSERT_TRUE(waitUntil([&] { return !rows.isEmpty(); }));
     EXPECT_EQ(rows, QStringList{QStringLiteral("[11-14-2023 10:13:20.1230] Unknown : a")});

@@ -26,6 +26,15 @@ protected:
                          [this](const QString& row) { rows << row; });
     }
 
+    // Starts on a free port and answers it.
+    quint16 listen()
+    {
+        controller.setPort(0);
+        controller.startListenerButtonClicked();
+        EXPECT_NE(controller.boundPort(), 0);
+        return controller.boundPort();
+    }
+
     void send(quint16 port, const QByteArray& datagram)
     {
         ASSERT_EQ(sender.writeDatagram(datagram, QHostAddress::LocalHost, port), datagram.size());
@@ -39,10 +48,7 @@ protected:
 TEST_F(UdpListenerTest, DatagramsArriveInOrderAcrossBatches)
 {
     QSignalSpy started(&controller, &SensorListenerController::listenerStarted);
-    controller.setPort(0);
-    controller.startListenerButtonClicked();
-    const quint16 port = controller.boundPort();
-    ASSERT_NE(port, 0);
+    const quint16 port = listen();
     EXPECT_EQ(controller.listenerStatus(), QStringLiteral("UDP listener started and bounded to port %1").arg(port));
     EXPECT_EQ(controller.startListenerButtonTitle(), QStringLiteral("Stop Listener"));
     EXPECT_FALSE(controller.listenerSettingsEnabled());
@@ -63,10 +69,7 @@ TEST_F(UdpListenerTest, DatagramsArriveInOrderAcrossBatches)
 
 TEST_F(UdpListenerTest, SteadyStreamKeepsBeingRead)
 {
-    controller.setPort(0);
-    controller.startListenerButtonClicked();
-    const quint16 port = controller.boundPort();
-    ASSERT_NE(port, 0);
+    const quint16 port = listen();
     // Paced from another thread while the event loop runs, the way a phone sends: reading
     // must never stall between datagrams.
     constexpr int count = 10000;
@@ -93,12 +96,14 @@ TEST_F(UdpListenerTest, SteadyStreamKeepsBeingRead)
     EXPECT_TRUE(all) << rows.size() << " of " << count;
 }
 
-TEST_F(UdpListenerTest, StopGivesAFreshSocketOnTheSamePort)
+TEST_F(UdpListenerTest, OnlyASelectedTypeStartsAndStopGivesAFreshSocketOnTheSamePort)
 {
+    controller.setSelectedListenerType(SensorListenerController::NoListenerType);
+    controller.startListenerButtonClicked();
+    EXPECT_TRUE(controller.listenerStatus().isEmpty());
+    controller.setSelectedListenerType(SensorListenerController::UDPListenerType);
     QSignalSpy stopping(&controller, &SensorListenerController::listenerStopping);
-    controller.setPort(0);
-    controller.toggleUDPListener();
-    const quint16 port = controller.boundPort();
+    const quint16 port = listen();
     controller.toggleUDPListener();
     EXPECT_EQ(controller.listenerStatus(), QStringLiteral("Listener stopped and unbounded."));
     EXPECT_EQ(controller.startListenerButtonTag(), 0);
@@ -124,14 +129,6 @@ TEST_F(UdpListenerTest, BindFailureKeepsTheButtons)
     EXPECT_EQ(controller.startListenerButtonTag(), 0);
     ASSERT_EQ(diagnostics.size(), 1);
     EXPECT_TRUE(diagnostics.at(0).at(0).toString().startsWith(QStringLiteral("failed to bound to port! ")));
-}
-
-TEST_F(UdpListenerTest, NoSelectionDoesNothing)
-{
-    controller.setSelectedListenerType(SensorListenerController::NoListenerType);
-    controller.startListenerButtonClicked();
-    EXPECT_EQ(controller.startListenerButtonTag(), 0);
-    EXPECT_TRUE(controller.listenerStatus().isEmpty());
 }
 
 } // namespace

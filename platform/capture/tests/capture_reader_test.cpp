@@ -6,7 +6,6 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
-#include <pcap/pcap.h>
 #include <zlib.h>
 
 #include <memory>
@@ -71,15 +70,9 @@ std::optional<RawBssFacts> parse(int linkType, const Bytes& packet)
 
 TEST(CaptureRadiotap, WalksBitmapsNamespacesAndAlignment)
 {
-    struct Case {
-        const char* name;
-        std::vector<std::uint32_t> presentWords;
-        Bytes fields;  // laid out by hand, padding included
-        bool fcsAppended;
-        std::optional<int> frequencyMhz;
-        int signalDbm;
-        int noiseDbm;
-    };
+    // Fields are laid out by hand, padding included.
+    struct Case { const char* name; std::vector<std::uint32_t> presentWords; Bytes fields; bool fcsAppended;
+                  std::optional<int> frequencyMhz; int signalDbm; int noiseDbm; };
     const std::vector<Case> cases = {
         {"TSFT aligned to 8 after two bitmaps, Channel to 2 after Flags",
          {1u | kFlags | kChannel | kSignal | kNoise | kExt, 0},
@@ -115,16 +108,10 @@ TEST(CaptureManagementFrame, DecodesBeaconsAndProbeResponsesOnlyWithinBounds)
     Bytes prismTooLong = withHeader(prismHeader, managementFrame());
     prismTooLong[5] = 0xff;
     const QByteArray ssidAndBadCrc = kSsidElement + QByteArray(reinterpret_cast<const char*>(badCrc.data() + badCrc.size() - 4), 4);
-    const struct {
-        const char* name;
-        int linkType;
-        Bytes packet;
-        std::optional<QByteArray> elements;
-    } cases[] = {
+    const struct { const char* name; int linkType; Bytes packet; std::optional<QByteArray> elements; } cases[] = {
         {"probe response", LinkTypeIeee80211, managementFrame(0x50), kSsidElement},
         {"probe request", LinkTypeIeee80211, managementFrame(0x40), std::nullopt},
         {"data frame", LinkTypeIeee80211, managementFrame(0x08), std::nullopt},
-        {"control frame", LinkTypeIeee80211, managementFrame(0xc4), std::nullopt},
         {"protocol version 1", LinkTypeIeee80211, managementFrame(0x81), std::nullopt},
         {"Ethernet", 1, managementFrame(), std::nullopt},
         {"HT Control after an ordered header", LinkTypeIeee80211, managementFrame(0x80, 0x80), kSsidElement},
@@ -171,14 +158,8 @@ TEST(CaptureReader, ReadsEveryCaptureLikeTshark)
 {
     if (!QDir(kCaptureDir).exists())
         GTEST_SKIP() << "no shared captures at " << qPrintable(kCaptureDir);
-    struct Case {
-        const char* file;
-        int linkType, frames, bssids;
-        std::int64_t firstFrame;
-        std::set<int> frequencies;
-        int withSignal, withNoise;
-        bool elementsWellFormed;
-    };
+    struct Case { const char* file; int linkType, frames, bssids; std::int64_t firstFrame; std::set<int> frequencies;
+                  int withSignal, withNoise; bool elementsWellFormed; };
     const std::vector<Case> cases = {
         {"aircrack-ng_Chinese-SSID-Name.pcap", 105, 1, 1, 1, {}, 0, 0, true},
         {"aircrack-ng_MOM1.cap", 105, 1, 1, 1, {}, 0, 0, true},
@@ -241,33 +222,22 @@ TEST(CaptureReader, TruncatedFileDeliversItsFramesThenAnError)
 TEST(CaptureReader, OpenFailsWithAOneLineReason)
 {
     QTemporaryDir dir;
-    const QString text = dir.filePath(QStringLiteral("notes.txt"));
-    const QString empty = dir.filePath(QStringLiteral("empty.pcap"));
-    const QString ethernet = dir.filePath(QStringLiteral("ethernet.pcap"));
-    QFile textFile(text), emptyFile(empty);
-    ASSERT_TRUE(textFile.open(QIODevice::WriteOnly) && emptyFile.open(QIODevice::WriteOnly));
-    textFile.write("this is not a capture file\nat all\n");
-    textFile.close();
-
-    pcap_t* dead = pcap_open_dead(DLT_EN10MB, 65535);
-    pcap_dumper_t* dumper = pcap_dump_open(dead, QFile::encodeName(ethernet).constData());
-    ASSERT_TRUE(dumper);
-    const Bytes packet(60, 0);
-    pcap_pkthdr header{};
-    header.caplen = header.len = static_cast<bpf_u_int32>(packet.size());
-    pcap_dump(reinterpret_cast<u_char*>(dumper), &header, packet.data());
-    pcap_dump_close(dumper);
-    pcap_close(dead);
-
-    const std::vector<std::pair<QString, const char*>> cases = {
-        {text, "not a pcap or pcapng capture file"},
-        {empty, "empty file"},
-        {ethernet, "unsupported link type 1 (EN10MB)"},
-        {dir.filePath(QStringLiteral("missing.pcap")), "No such file"},
+    const QString path = dir.filePath(QStringLiteral("capture.pcap"));
+    const std::pair<std::optional<QByteArray>, const char*> cases[] = {
+        {"this is not a capture file\nat all\n", "not a pcap or pcapng capture file"},
+        {QByteArray(), "empty file"},
+        // A pcap file header alone, declaring Ethernet frames.
+        {QByteArray::fromHex("d4c3b2a1 0200 0400 00000000 00000000 ffff0000 01000000"),
+         "unsupported link type 1 (EN10MB)"},
+        {std::nullopt, "No such file"},
     };
-    for (const auto& [path, reason] : cases) {
+    for (const auto& [content, reason] : cases) {
+        QFile file(path);
+        file.remove();
+        ASSERT_TRUE(!content || (file.open(QIODevice::WriteOnly) && file.write(*content) == content->size()));
+        file.close();
         QString error;
-        EXPECT_FALSE(CaptureReader::open(path, &error)) << qPrintable(path);
+        EXPECT_FALSE(CaptureReader::open(path, &error)) << reason;
         EXPECT_TRUE(error.contains(QLatin1String(reason)) && !error.contains(QLatin1Char('\n'))) << qPrintable(error);
     }
 }

@@ -101,7 +101,6 @@ TEST(CaptureReplay, SlicesCaptureTimeKeepsTheLatestFramePerBssidAndRepeatsTheLas
     auto fresh = CaptureReplayInterface::open(path, &error, 5s);
     ASSERT_TRUE(fresh);
     EXPECT_EQ(heard(fresh->scanForNetworksWithSSID("b").networks), QStringList{"b@6"});
-    EXPECT_EQ(heard(fresh->scanForNetworksWithSSID("b").networks), QStringList{"b@6"});
     EXPECT_EQ(heard(fresh->scanForNetworksWithSSID({}).networks), (QStringList{"a@11", "b@6"}));
 }
 
@@ -112,34 +111,16 @@ TEST(CaptureReplay, BehavesAsAnUnassociatedInterfaceThatCannotJoin)
     auto replay = CaptureReplayInterface::open(writeCapture(dir, {{0.0, 1, "a", 1}}), &error);
     ASSERT_TRUE(replay) << qPrintable(error);
     CaptureReplayClient client(replay);
-
-    EXPECT_EQ(client.interfaceNames(), QStringList{"capture0"});
-    EXPECT_EQ(client.interfaceWithName(QStringLiteral("capture0")), replay);
-    EXPECT_EQ(client.interfaceWithName(QStringLiteral("wlan0")), nullptr);
-    EXPECT_TRUE(client.statusText().startsWith(QStringLiteral("Replaying capture ")));
+    EXPECT_EQ(client.interfaceWithName(client.interfaceNames().value(0)), replay);
+    EXPECT_EQ(client.statusText(), QStringLiteral("Replaying capture ") + replay->capturePath());
     EXPECT_EQ(client.toolBackendArguments(), (QStringList{"--capture", replay->capturePath()}));
 
-    const auto snapshot = replay->snapshot();
-    EXPECT_TRUE(snapshot.powerOn);
-    EXPECT_TRUE(snapshot.bssid.isEmpty());
+    EXPECT_TRUE(replay->snapshot().powerOn && replay->snapshot().bssid.isEmpty());
     EXPECT_TRUE(replay->setPower(false));
     const auto joined = replay->associateToNetwork({}, QStringLiteral("secret"));
     ASSERT_TRUE(joined);
     EXPECT_TRUE(joined->description.contains(QStringLiteral("replayed capture")));
     EXPECT_TRUE(replay->startIBSSModeWithSSID("x", 0, 11, {}));
-}
-
-TEST(CaptureReplay, RefusesFilesThatAreNotCaptures)
-{
-    QTemporaryDir dir;
-    const QString text = dir.filePath(QStringLiteral("notes.txt"));
-    QFile file(text);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("this is not a capture file, just some words long enough to be read\n");
-    file.close();
-    QString error;
-    EXPECT_FALSE(CaptureReplayInterface::open(text, &error));
-    EXPECT_TRUE(error.contains(QStringLiteral("not a pcap or pcapng"))) << qPrintable(error);
 }
 
 TEST(CaptureReplay, ReplaysARealCaptureWithRadiotapSignal)

@@ -18,10 +18,7 @@ QStringList fingerprint(const QList<ScanResult>& scan)
 {
     QStringList lines;
     for (const ScanResult& r : scan) {
-        lines << QStringLiteral("%1 %2 %3 %4 %5")
-                     .arg(r.bssid)
-                     .arg(r.rssiValue)
-                     .arg(r.noiseMeasurement)
+        lines << QStringLiteral("%1 %2 %3 %4 %5").arg(r.bssid).arg(r.rssiValue).arg(r.noiseMeasurement)
                      .arg(r.ssid, QString::fromLatin1(r.informationElementData.toHex()));
     }
     return lines;
