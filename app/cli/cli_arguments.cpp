@@ -93,11 +93,28 @@ QString commandWord(const QStringList& arguments)
     return {};
 }
 
-void writeText(std::FILE* stream, const QString& text)
+void writeBytes(std::FILE* stream, const QByteArray& bytes)
 {
-    const QByteArray bytes = text.toUtf8();
     std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
     std::fflush(stream);
+}
+
+void writeText(std::FILE* stream, const QString& text)
+{
+    writeBytes(stream, text.toUtf8());
+}
+
+std::optional<app::Backend> openBackend(const app::BackendOptions& options, std::FILE* err, bool reportStatus)
+{
+    QString error;
+    std::optional<app::Backend> backend = app::chooseBackend(options, &error);
+    if (!backend) {
+        writeText(err, QStringLiteral("skyvane-cli: %1\n").arg(error));
+        return std::nullopt;
+    }
+    if (reportStatus && !backend->statusText.isEmpty())
+        writeText(err, backend->statusText + QLatin1Char('\n'));
+    return backend;
 }
 
 } // namespace cli

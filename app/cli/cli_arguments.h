@@ -32,5 +32,11 @@ QString commandWord(const QStringList& arguments);
 
 // UTF-8, flushed at once so a reader at the other end of a pipe sees each line as it comes.
 void writeText(std::FILE* stream, const QString& text);
+void writeBytes(std::FILE* stream, const QByteArray& bytes);
+
+// The backend the options name, or nullopt after telling err why it cannot be had. Its status
+// sentence (a simulated radio, a replayed capture) goes to err too unless reportStatus is false:
+// the user must always be able to tell what they are looking at.
+std::optional<app::Backend> openBackend(const app::BackendOptions& options, std::FILE* err, bool reportStatus = true);
 
 } // namespace cli

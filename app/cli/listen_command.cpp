@@ -150,14 +150,9 @@ QString listenUsage()
 
 int runListen(const ListenRequest& request, std::FILE* out, std::FILE* err)
 {
-    QString error;
-    const std::optional<app::Backend> backend = app::chooseBackend(request.backend, &error);
-    if (!backend) {
-        writeText(err, QStringLiteral("skyvane-cli: %1\n").arg(error));
+    const std::optional<app::Backend> backend = openBackend(request.backend, err);
+    if (!backend)
         return 1;
-    }
-    if (!backend->statusText.isEmpty())
-        writeText(err, backend->statusText + QLatin1Char('\n'));
 
     sensor::SensorLog log;
     sensor::SensorLogFile file(log, sensor::SensorLogFile::logFileNameForLaunch(QDateTime::currentDateTime()));

@@ -1,5 +1,7 @@
 #include "app/cli/scan_command.h"
 
+#include "app/cli/cli_arguments.h"
+
 #include "app/cli/json_writer.h"
 #include "app/cli/scan_output.h"
 #include "app/settings/settings_store.h"
@@ -20,13 +22,6 @@
 
 namespace cli {
 namespace {
-
-void write(std::FILE* stream, const QString& text)
-{
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
-    std::fflush(stream);
-}
 
 // The options that make the channel-information run of skyvane-cli -s see the same radio.
 QStringList backendArguments(const app::BackendOptions& backend)
@@ -121,13 +116,13 @@ int exportTest(const ScanRequest& request, const ScanTestDriver& driver, std::FI
         *request.exportKind, ScanExporter::destinationPath(request.exportFile), tests,
         tests.isEmpty() ? nullptr : tests.first());
     if (!result.statusText.isEmpty())
-        write(err, QStringLiteral("skyvane-cli: %1\n").arg(result.statusText));
+        writeText(err, QStringLiteral("skyvane-cli: %1\n").arg(result.statusText));
     if (result.writtenPath.isEmpty()) {
         if (tests.isEmpty())
-            write(err, QStringLiteral("skyvane-cli: no scan test to export\n"));
+            writeText(err, QStringLiteral("skyvane-cli: no scan test to export\n"));
         return 1;
     }
-    write(err, QStringLiteral("Exported to %1\n").arg(result.writtenPath));
+    writeText(err, QStringLiteral("Exported to %1\n").arg(result.writtenPath));
     return 0;
 }
 
@@ -135,19 +130,14 @@ int exportTest(const ScanRequest& request, const ScanTestDriver& driver, std::FI
 
 int runScan(const ScanRequest& request, std::FILE* out, std::FILE* err)
 {
-    QString error;
-    const std::optional<app::Backend> backend = app::chooseBackend(request.backend, &error);
-    if (!backend) {
-        write(err, QStringLiteral("skyvane-cli: %1\n").arg(error));
+    const std::optional<app::Backend> backend = openBackend(request.backend, err);
+    if (!backend)
         return 1;
-    }
-    if (!backend->statusText.isEmpty())
-        write(err, backend->statusText + QLatin1Char('\n'));
 
     const SessionSettings settings(request.merge);
     ScanDatabase database(request.databasePath);
     if (!database.isOpen()) {
-        write(err, QStringLiteral("skyvane-cli: the scan database %1 cannot be opened\n").arg(database.path()));
+        writeText(err, QStringLiteral("skyvane-cli: the scan database %1 cannot be opened\n").arg(database.path()));
         return 1;
     }
     database.updateDatabase();
@@ -178,14 +168,14 @@ int runScan(const ScanRequest& request, std::FILE* out, std::FILE* err)
             writeScanJson(json, scans, driver.countLabel(), *test);
             json.flush();
         } else {
-            write(out, (scans > 1 ? QStringLiteral("\n") : QString()) + scanTable(driver.countLabel(), *test));
+            writeText(out, (scans > 1 ? QStringLiteral("\n") : QString()) + scanTable(driver.countLabel(), *test));
         }
         if (request.count && scans >= *request.count)
             stop();
     });
     QObject::connect(&driver, &ScanTestDriver::messageLabelChanged, &loop, [err](const QString& text) {
         if (!text.isEmpty())
-            write(err, text + QLatin1Char('\n'));
+            writeText(err, text + QLatin1Char('\n'));
     });
     const StopSignals stopSignals(stop);
     QTimer deadline;

@@ -10,17 +10,6 @@
 namespace cli {
 namespace {
 
-void write(std::FILE* stream, const QByteArray& bytes)
-{
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
-    std::fflush(stream);
-}
-
-void write(std::FILE* stream, const QString& text)
-{
-    write(stream, text.toUtf8());
-}
-
 struct Heard {
     QList<platform::ScanResult> networks;
     platform::MaybeError error;
@@ -40,7 +29,7 @@ bool reportScanError(const Heard& heard, std::FILE* err)
 {
     if (!heard.error)
         return false;
-    write(err, QStringLiteral("skyvane-cli: scan failed: %1\n").arg(heard.error->description));
+    writeText(err, QStringLiteral("skyvane-cli: scan failed: %1\n").arg(heard.error->description));
     return heard.networks.isEmpty();
 }
 
@@ -49,11 +38,11 @@ int runWatch(const ToolRequest& request, const app::Backend& backend, std::FILE*
     const QString status = backend.statusText.isEmpty()
                                ? QStringLiteral("Wi-Fi interface %1").arg(backend.interface->interfaceName())
                                : backend.statusText;
-    write(out, status + QLatin1Char('\n'));
+    writeText(out, status + QLatin1Char('\n'));
     for (int round = 1;; ++round) {
         const Heard heard = scanOnce(*backend.interface);
         reportScanError(heard, err);
-        write(out, QLatin1Char('\n') + scanListing(heard.networks));
+        writeText(out, QLatin1Char('\n') + scanListing(heard.networks));
         if (request.watchCount && round >= *request.watchCount)
             return 0;
         std::this_thread::sleep_for(request.watchInterval);
@@ -145,20 +134,15 @@ QString toolUsage()
 
 int runToolRequest(const ToolRequest& request, std::FILE* out, std::FILE* err)
 {
-    QString error;
-    const std::optional<app::Backend> backend = app::chooseBackend(request.backend, &error);
-    if (!backend) {
-        write(err, QStringLiteral("skyvane-cli: %1\n").arg(error));
-        return 1;
-    }
     // Status goes to standard error here so the scanner, which reads standard output line by
-    // line, never mistakes it for a network.
-    if (request.action != ToolAction::Watch && !backend->statusText.isEmpty())
-        write(err, backend->statusText + QLatin1Char('\n'));
+    // line, never mistakes it for a network; watch prints it at the top of its own output.
+    const std::optional<app::Backend> backend = openBackend(request.backend, err, request.action != ToolAction::Watch);
+    if (!backend)
+        return 1;
 
     switch (request.action) {
     case ToolAction::LinkReport:
-        write(out, linkReport(backend->interface->snapshot()));
+        writeText(out, linkReport(backend->interface->snapshot()));
         return 0;
     case ToolAction::Watch:
         return runWatch(request, *backend, out, err);
@@ -170,9 +154,9 @@ int runToolRequest(const ToolRequest& request, std::FILE* out, std::FILE* err)
     if (reportScanError(heard, err))
         return 1;
     if (request.action == ToolAction::ScanPropertyList)
-        write(out, scanPropertyList(heard.networks));
+        writeText(out, scanPropertyList(heard.networks));
     else
-        write(out, scanListing(heard.networks));
+        writeText(out, scanListing(heard.networks));
     return 0;
 }
 
