@@ -99,6 +99,22 @@ bool putBssid(nl_msg* message, const QString& bssid)
     return bytes.size() == 6 && nla_put(message, NL80211_ATTR_MAC, 6, bytes.constData()) == 0;
 }
 
+// A generic-netlink socket, or nullptr with the reason in error.
+nl_sock* connectGenericNetlink(MaybeError& error)
+{
+    nl_sock* socket = nl_socket_alloc();
+    if (socket == nullptr) {
+        error = netlinkError(-NLE_NOMEM, QStringLiteral("Cannot open a netlink socket"));
+        return nullptr;
+    }
+    if (const int result = genl_connect(socket); result < 0) {
+        error = netlinkError(result, QStringLiteral("Cannot connect to generic netlink"));
+        nl_socket_free(socket);
+        return nullptr;
+    }
+    return socket;
+}
+
 } // namespace
 
 PlatformError errorFromErrno(int errnoValue, const QString& what)
@@ -112,15 +128,9 @@ PlatformError errorFromErrno(int errnoValue, const QString& what)
 
 RequestSocket::RequestSocket()
 {
-    socket_ = nl_socket_alloc();
-    if (socket_ == nullptr) {
-        openError_ = netlinkError(-NLE_NOMEM, QStringLiteral("Cannot open a netlink socket"));
+    socket_ = connectGenericNetlink(openError_);
+    if (socket_ == nullptr)
         return;
-    }
-    if (const int result = genl_connect(socket_); result < 0) {
-        openError_ = netlinkError(result, QStringLiteral("Cannot connect to generic netlink"));
-        return;
-    }
     nl_socket_enable_msg_peek(socket_);
     family_ = genl_ctrl_resolve(socket_, NL80211_GENL_NAME);
     if (family_ == -NLE_OBJ_NOTFOUND) {
@@ -306,15 +316,9 @@ MaybeError RequestSocket::triggerScan(int ifindex, const QList<QByteArray>& ssid
 
 EventSocket::EventSocket(const QStringList& groups)
 {
-    socket_ = nl_socket_alloc();
-    if (socket_ == nullptr) {
-        openError_ = netlinkError(-NLE_NOMEM, QStringLiteral("Cannot open a netlink socket"));
+    socket_ = connectGenericNetlink(openError_);
+    if (socket_ == nullptr)
         return;
-    }
-    if (const int result = genl_connect(socket_); result < 0) {
-        openError_ = netlinkError(result, QStringLiteral("Cannot connect to generic netlink"));
-        return;
-    }
     for (const QString& group : groups) {
         const int id = genl_ctrl_resolve_grp(socket_, NL80211_GENL_NAME, group.toLatin1().constData());
         if (id == -NLE_OBJ_NOTFOUND) {
