@@ -1,3 +1,5 @@
+#include "cli_run.h"
+
 #include "app/cli/json_writer.h"
 
 #include <gtest/gtest.h>
@@ -16,23 +18,6 @@
 namespace {
 
 const QString captures = QStringLiteral(SKYVANE_SHARED_DIR "/captures/");
-
-struct CliRun {
-    int exitCode = -1;
-    QList<QByteArray> lines;
-    QByteArray err;
-};
-
-CliRun runCli(const QStringList& arguments)
-{
-    QProcess process;
-    process.start(QStringLiteral(SKYVANE_BINARY_DIR "/app/cli/skyvane-cli"), arguments);
-    EXPECT_TRUE(process.waitForFinished(60000));
-    CliRun run{process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-               process.readAllStandardOutput().split('\n'), process.readAllStandardError()};
-    run.lines.removeAll(QByteArray());
-    return run;
-}
 
 std::vector<QJsonObject> decode(const QString& file)
 {

@@ -1,3 +1,5 @@
+#include "cli_run.h"
+
 #include "app/cli/cli_arguments.h"
 #include "app/cli/scan_command.h"
 
@@ -11,24 +13,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-struct CliRun {
-    int exitCode = -1;
-    QList<QByteArray> lines;
-    QByteArray err;
-};
-
-CliRun runCli(const QStringList& arguments)
-{
-    QProcess process;
-    process.start(QStringLiteral(SKYVANE_BINARY_DIR "/app/cli/skyvane-cli"), arguments);
-    EXPECT_TRUE(process.waitForFinished(60000));
-    CliRun run{process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-               process.readAllStandardOutput().split('\n'), process.readAllStandardError()};
-    if (!run.lines.isEmpty() && run.lines.last().isEmpty())
-        run.lines.removeLast();
-    return run;
-}
 
 const QRegularExpression countLabel(QStringLiteral("^\\d+ of \\d+ shown( \\(merged \\d+\\))?$"));
 
