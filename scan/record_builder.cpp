@@ -16,15 +16,6 @@ void applyWidthFromOffset(ScanedResultInfo& record)
         record.channelWidth = 40;
 }
 
-int widthFromCode(platform::ChannelWidthCode code)
-{
-    switch (code) {
-    case platform::ChannelWidthCode::Width80MHz: return 80;
-    case platform::ChannelWidthCode::Width160MHz: return 160;
-    default: return 20 * static_cast<int>(code);
-    }
-}
-
 void decodeElements(ScanedResultInfo& record, const platform::ScanResult* network)
 {
     static const QByteArray noElements;
@@ -38,7 +29,7 @@ void decodeElements(ScanedResultInfo& record, const platform::ScanResult* networ
     record.parseInformationElement(network ? network->informationElementData : noElements);
     if (network) {
         record.cc = network->countryCode;
-        record.channelWidth = widthFromCode(network->channelWidth);
+        record.channelWidth = core::widthMhz(network->channelWidth);
     }
 }
 

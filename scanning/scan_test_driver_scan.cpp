@@ -11,19 +11,6 @@
 #include <algorithm>
 #include <exception>
 
-namespace {
-
-int widthMhz(platform::ChannelWidthCode code)
-{
-    switch (code) {
-    case platform::ChannelWidthCode::Width80MHz: return 80;
-    case platform::ChannelWidthCode::Width160MHz: return 160;
-    default: return 20 * static_cast<int>(code);
-    }
-}
-
-} // namespace
-
 void ScanTestDriver::startBackgroundScan()
 {
     pool_.start([this] { performScanningInBackground(); });
@@ -127,7 +114,7 @@ ScanedResultInfo ScanTestDriver::connectedNetworkRecord(const platform::Interfac
         record.originalChannel = link.wlanChannel->channelNumber;
         record.channel = QString::number(link.wlanChannel->channelNumber);
         record.channelBond = link.wlanChannel->channelBand == platform::ChannelBand::Band5GHz ? 5.0 : 2.4;
-        record.channelWidth = widthMhz(link.wlanChannel->channelWidth);
+        record.channelWidth = core::widthMhz(link.wlanChannel->channelWidth);
     }
     record.cc = link.countryCode;
     record.lastSeen = now;

@@ -45,11 +45,6 @@ QString countryColumn(const QString& code)
     return trimmed;
 }
 
-int widthMhz(platform::ChannelWidthCode code)
-{
-    return code == platform::ChannelWidthCode::Unknown ? 0 : 20 * (1 << (static_cast<int>(code) - 1));
-}
-
 QString bandText(platform::ChannelBand band)
 {
     switch (band) {
@@ -134,7 +129,7 @@ void writeNetwork(PlistWriter& plist, const platform::ScanResult& network)
     plist.integer(QStringLiteral("CHANNEL"), network.channelNumber);
     plist.string(QStringLiteral("CHANNEL_TEXT"), channelSummary(network));
     plist.string(QStringLiteral("CHANNEL_BAND"), bandText(network.channelBand));
-    plist.integer(QStringLiteral("CHANNEL_WIDTH"), widthMhz(network.channelWidth));
+    plist.integer(QStringLiteral("CHANNEL_WIDTH"), core::widthMhz(network.channelWidth));
     plist.boolean(QStringLiteral("HT"), hasHtCapabilities(network.informationElementData));
     plist.string(QStringLiteral("CC"), countryColumn(network.countryCode));
     plist.string(QStringLiteral("SECURITY"), securitySummary(network));
@@ -220,7 +215,7 @@ QString linkReport(const platform::InterfaceSnapshot& snapshot)
     if (snapshot.wlanChannel) {
         lines.append({QStringLiteral("channel"), QString::number(snapshot.wlanChannel->channelNumber)});
         lines.append({QStringLiteral("channel band"), bandText(snapshot.wlanChannel->channelBand)});
-        if (const int width = widthMhz(snapshot.wlanChannel->channelWidth))
+        if (const int width = core::widthMhz(snapshot.wlanChannel->channelWidth))
             lines.append({QStringLiteral("channel width"), QString::number(width)});
     }
     lines.append({QStringLiteral("country"), countryColumn(snapshot.countryCode)});

@@ -6,9 +6,9 @@ namespace platform {
 namespace {
 
 // Oldest generation numbers a, b, g, n from 0; the current one has "none" at 0 and adds ac.
-std::uint32_t bitForCode(int code)
+std::uint32_t bitForCode(int code, core::InterfaceGeneration generation)
 {
-    if (isOSSnowLeopard()) {
+    if (core::isOSSnowLeopard(generation)) {
         switch (code) {
         case 0: return PhyA;
         case 1: return PhyB;
@@ -29,10 +29,16 @@ std::uint32_t bitForCode(int code)
 
 } // namespace
 
+bool ScanResult::supportsPHYMode(int code, core::InterfaceGeneration generation) const
+{
+    const std::uint32_t bit = bitForCode(code, generation);
+    return bit != 0 && (phyModes & bit) != 0;
+}
+
 bool ScanResult::supportsPHYMode(int code) const
 {
-    const std::uint32_t bit = bitForCode(code);
-    return bit != 0 && (phyModes & bit) != 0;
+    return supportsPHYMode(code, isOSSnowLeopard() ? core::InterfaceGeneration::OldestRelease
+                                                   : core::InterfaceGeneration::Later);
 }
 
 } // namespace platform

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "core/interface_generation.h"
+#include "core/units.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -9,10 +12,8 @@
 // and security that every backend derives the same way from the beacon's elements.
 namespace platform {
 
-enum class ChannelBand : int { Unknown = 0, Band2GHz = 1, Band5GHz = 2 };
-
-// Width codes as the wireless service reports them: the record multiplies by 20 MHz.
-enum class ChannelWidthCode : int { Unknown = 0, Width20MHz = 1, Width40MHz = 2, Width80MHz = 3, Width160MHz = 4 };
+using ChannelBand = core::ChannelBand;
+using ChannelWidthCode = core::ChannelWidthCode;
 
 // PHY standards a network supports, independent of the numbering of either interface generation.
 enum PhyModeBit : std::uint32_t {
@@ -55,7 +56,8 @@ struct ScanResult {
     QByteArray informationElementData;
     std::uint32_t phyModes = 0; // PhyModeBit set
 
-    // Answers for a PHY-mode code of whichever interface generation is active (see platform_flags.h).
+    // Answers for a PHY-mode code as the given interface generation numbers them.
+    bool supportsPHYMode(int code, core::InterfaceGeneration generation) const;
     bool supportsPHYMode(int code) const;
     // The element bytes as the oldest interface generation names them; same bytes.
     const QByteArray& ieData() const { return informationElementData; }

@@ -13,8 +13,15 @@ namespace platform {
 class WirelessInterface : public QObject {
     Q_OBJECT
 public:
-    using QObject::QObject;
+    explicit WirelessInterface(core::InterfaceGeneration generation = core::InterfaceGeneration::Later,
+                               QObject* parent = nullptr)
+        : QObject(parent), generation_(generation)
+    {
+    }
     ~WirelessInterface() override = default;
+
+    // Which numbering of modes, security and PHY standards this interface's values use.
+    core::InterfaceGeneration generation() const { return generation_; }
 
     virtual QString interfaceName() const = 0;
     virtual InterfaceSnapshot snapshot() const = 0;
@@ -47,6 +54,9 @@ public:
 signals:
     void powerDidChange();
     void modeDidChange();
+
+private:
+    const core::InterfaceGeneration generation_;
 };
 
 } // namespace platform

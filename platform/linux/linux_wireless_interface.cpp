@@ -59,7 +59,7 @@ bool isOwnBss(const nl80211::ScanEntry& entry)
 
 LinuxWirelessInterface::LinuxWirelessInterface(QString name, std::shared_ptr<NetworkManagerClient> networkManager,
                                                QObject* parent)
-    : WirelessInterface(parent), name_(std::move(name)), networkManager_(std::move(networkManager))
+    : WirelessInterface(core::InterfaceGeneration::Later, parent), name_(std::move(name)), networkManager_(std::move(networkManager))
 {
     rfkill_ = new rfkill::RfkillMonitor(rfkill::RfkillMonitor::openDevice(), this);
     connect(rfkill_, &rfkill::RfkillMonitor::wlanPowerChanged, this, &WirelessInterface::powerDidChange);

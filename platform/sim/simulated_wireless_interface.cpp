@@ -25,16 +25,6 @@ QList<WlanChannel> supportedChannels()
     return channels;
 }
 
-ChannelWidthCode widthCode(int widthMhz)
-{
-    switch (widthMhz) {
-    case 40: return ChannelWidthCode::Width40MHz;
-    case 80: return ChannelWidthCode::Width80MHz;
-    case 160: return ChannelWidthCode::Width160MHz;
-    default: return ChannelWidthCode::Width20MHz;
-    }
-}
-
 PlatformError simulationError(int code, const QString& description, const QString& reason = {},
                               const QString& suggestion = {})
 {
@@ -59,8 +49,9 @@ QString ibssBssid(const QByteArray& ssid)
 } // namespace
 
 SimulatedWirelessInterface::SimulatedWirelessInterface(QString name, std::unique_ptr<RadioEnvironment> environment,
-                                                       std::shared_ptr<const Clock> clock, QObject* parent)
-    : WirelessInterface(parent), name_(std::move(name)), clock_(std::move(clock)), environment_(std::move(environment))
+                                                       std::shared_ptr<const Clock> clock,
+                                                       core::InterfaceGeneration generation, QObject* parent)
+    : WirelessInterface(generation, parent), name_(std::move(name)), clock_(std::move(clock)), environment_(std::move(environment))
 {
     const std::size_t home = environment_->homeIndex();
     const SimulatedAccessPoint& ap = environment_->accessPoints()[home];
@@ -126,7 +117,7 @@ void SimulatedWirelessInterface::fillLink(InterfaceSnapshot& s, const QDateTime&
     s.noiseMeasurement = environment_->noiseDbm(ap.channel, now);
     s.transmitRate = link.transmitRateMbps;
     s.wlanChannel = WlanChannel{ap.channel, ap.channel <= 14 ? ChannelBand::Band2GHz : ChannelBand::Band5GHz,
-                                widthCode(ap.widthMhz)};
+                                core::widthCodeForMhz(ap.widthMhz)};
     s.mcsIndex = link.mcsIndex;
     s.spatialStreams = link.spatialStreams;
     if (link.mcsIndex)

@@ -33,7 +33,9 @@ class SimulatedWirelessInterface : public WirelessInterface {
     Q_OBJECT
 public:
     SimulatedWirelessInterface(QString name, std::unique_ptr<RadioEnvironment> environment,
-                               std::shared_ptr<const Clock> clock, QObject* parent = nullptr);
+                               std::shared_ptr<const Clock> clock,
+                               core::InterfaceGeneration generation = core::InterfaceGeneration::Later,
+                               QObject* parent = nullptr);
 
     QString interfaceName() const override { return name_; }
     InterfaceSnapshot snapshot() const override;
