@@ -1,3 +1,4 @@
+#include "core/memory_settings.h"
 #include "platform/api/clock.h"
 #include "platform/sim/simulated_wireless_client.h"
 #include "scan/record_builder.h"
@@ -31,7 +32,8 @@ void processScan(ScanDatabase& database, Store store, WiFiScanTest& test, const 
     rows.reserve(outcome.networks.size());
     for (const platform::ScanResult& network : outcome.networks) {
         networks.insert(ScannerUtils::normalizeMAC(network.bssid), std::make_shared<const platform::ScanResult>(network));
-        rows.append(ObservationRow::fromScanResult(network, QString::number(network.channelNumber), seconds));
+        rows.append(ObservationRow::fromScanResult(network, QString::number(network.channelNumber), seconds,
+                                                   core::InterfaceGeneration::Later));
     }
     if (store == Store::Batched)
         database.storeScan(rows, true);
@@ -45,7 +47,9 @@ void processScan(ScanDatabase& database, Store store, WiFiScanTest& test, const 
     const QHash<QString, QString> securityTexts;
     test.scanedData1.clear();
     for (const StoredObservation& row : *shown) {
-        ScanedResultInfo record = buildRecord(row, networks.value(row.bssid), &securityTexts);
+        static const core::MemorySettings settings;
+        ScanedResultInfo record =
+            buildRecord(row, networks.value(row.bssid), core::InterfaceGeneration::Later, settings, &securityTexts);
         test.addSample(record, intervalSeconds, now);
         test.scanedData1.append(record);
     }

@@ -1,22 +1,10 @@
-#include "app/settings/settings_store.h"
 #include "scan/scaned_result_info.h"
 
 #include <QByteArray>
-#include <QDir>
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
-
-// A vendor AP-name element writes a user setting, so the fuzzer keeps its own settings file
-// instead of touching the user's.
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/)
-{
-    SettingsStore::setShared(
-        std::make_unique<SettingsStore>(QDir::temp().filePath(QStringLiteral("fuzz_ie_parser.conf"))));
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -262,9 +262,6 @@ private:
             return Walk::Stop;
         }
         record_.apname = latin1(5, nameLength);
-        if (ScannerUtils::hasValue(record_.apname)) {
-            ScannerUtils::setUserSetting(record_.apname, record_.bssid + QStringLiteral("-apname"));
-        }
         return Walk::Continue;
     }
 

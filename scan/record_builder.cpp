@@ -1,6 +1,6 @@
 #include "scan/record_builder.h"
 
-#include "platform/api/platform_flags.h"
+#include "core/units.h"
 #include "scan/scanner_utils.h"
 
 #include <utility>
@@ -16,14 +16,14 @@ void applyWidthFromOffset(ScanedResultInfo& record)
         record.channelWidth = 40;
 }
 
-void decodeElements(ScanedResultInfo& record, const platform::ScanResult* network)
+void decodeElements(ScanedResultInfo& record, const platform::ScanResult* network, core::InterfaceGeneration generation)
 {
     static const QByteArray noElements;
-    if (platform::isOSSnowLeopard()) {
+    if (core::isOSSnowLeopard(generation)) {
         record.parseInformationElement(network ? network->ieData() : noElements);
         record.cc = QStringLiteral("N/A");
         applyWidthFromOffset(record);
-        record.securityModeString = ScannerUtils::stringForSecurityMode(record.securityMode);
+        record.securityModeString = ScannerUtils::stringForSecurityMode(record.securityMode, generation);
         return;
     }
     record.parseInformationElement(network ? network->informationElementData : noElements);
@@ -37,6 +37,7 @@ void decodeElements(ScanedResultInfo& record, const platform::ScanResult* networ
 
 ScanedResultInfo buildRecord(const StoredObservation& row,
                              std::shared_ptr<const platform::ScanResult> network,
+                             core::InterfaceGeneration generation, const core::UserSettings& settings,
                              const QHash<QString, QString>* securityTexts)
 {
     ScanedResultInfo record;
@@ -55,7 +56,7 @@ ScanedResultInfo buildRecord(const StoredObservation& row,
     record.lastSeen = row.lastSeen;
     record.channelBond = row.channelBond;
 
-    decodeElements(record, record.network.get());
+    decodeElements(record, record.network.get(), generation);
 
     // Some platforms report 40 MHz for three-stream 802.11ac access points that run at 80.
     if (record.numberOfStreams == 3 && record.channelWidth == 40 && record.supportedPHYModes.endsWith(QLatin1String("ac")))
@@ -78,28 +79,25 @@ ScanedResultInfo buildRecord(const StoredObservation& row,
         record.numberOfStreams = 1;
 
     record.vendorName = ScannerUtils::vendorNameForMAC(record.bssid);
-    const QString tag = ScannerUtils::getUserSettingForKey(record.bssid).toString();
+    const QString tag = settings.value(record.bssid).toString();
     record.bssidTag = ScannerUtils::hasValue(tag) ? tag : QStringLiteral("");
     return record;
 }
 
-StoredObservation observationFromScanResult(const platform::ScanResult& network, const QDateTime& seen)
+StoredObservation observationFromScanResult(const platform::ScanResult& network, const QDateTime& seen,
+                                            core::InterfaceGeneration generation)
 {
     StoredObservation row;
     row.bssid = ScannerUtils::normalizeMAC(network.bssid);
     row.ssid = network.ssid;
     row.originalChannel = network.channelNumber;
-    row.phyModes = ScannerUtils::getSupportedPHYModeString(network);
+    row.phyModes = ScannerUtils::getSupportedPHYModeString(network, generation);
     row.rssi = network.rssiValue;
     row.noise = network.noiseMeasurement;
     row.singnalToNoise = network.rssiValue - network.noiseMeasurement;
     row.securityMode = network.securityMode;
     row.ibss = network.ibss ? 1 : 0;
     row.lastSeen = seen;
-    switch (network.channelBand) {
-    case platform::ChannelBand::Band5GHz: row.channelBond = 5.0; break;
-    case platform::ChannelBand::Band2GHz: row.channelBond = 2.4; break;
-    case platform::ChannelBand::Unknown: row.channelBond = ScannerUtils::channelBondForChannel(network.channelNumber); break;
-    }
+    row.channelBond = core::bandGhz(network.channelBand, network.channelNumber);
     return row;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/interface_generation.h"
+#include "core/user_settings.h"
 #include "scan/scaned_result_info.h"
 
 #include <QDateTime>
@@ -26,10 +28,13 @@ struct StoredObservation {
 
 // Turns a stored observation and the live scan result of the same BSSID into a record:
 // element decoding, country, channel width, noise default, signal-to-noise, vendor and tag.
-// securityTexts, when given, maps BSSID to the security text the driver collected.
+// generation: the backend's; settings: where BSSID tags are kept. securityTexts, when given,
+// maps BSSID to the security text the driver collected.
 ScanedResultInfo buildRecord(const StoredObservation& row,
                              std::shared_ptr<const platform::ScanResult> network,
+                             core::InterfaceGeneration generation, const core::UserSettings& settings,
                              const QHash<QString, QString>* securityTexts = nullptr);
 
 // The stored observation the driver would write for a scan result, with the SSID text as given.
-StoredObservation observationFromScanResult(const platform::ScanResult& network, const QDateTime& seen);
+StoredObservation observationFromScanResult(const platform::ScanResult& network, const QDateTime& seen,
+                                            core::InterfaceGeneration generation);

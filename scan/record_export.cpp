@@ -1,5 +1,7 @@
 #include "scan/scaned_result_info.h"
 
+#include "core/csv_cell.h"
+
 #include "scan/scanner_utils.h"
 
 #include <QLatin1String>
@@ -53,30 +55,9 @@ constexpr const char* csvHeader =
 
 bool isHtml(const QString& exportType) { return exportType == QLatin1String("html"); }
 
-bool isVisible(const Column& column)
+bool isVisible(const core::UserSettings& settings, const Column& column)
 {
-    return ScannerUtils::getUserSettingForKey(QLatin1String(column.visibleKey)).toDouble() != 0.0;
-}
-
-QString csvQuoted(QString value)
-{
-    value.replace(QLatin1Char('"'), QLatin1String("\"\""));
-    return QLatin1Char('"') + value + QLatin1Char('"');
-}
-
-// Spreadsheets run a cell that starts with one of these as a formula.
-bool startsLikeFormula(const QString& value)
-{
-    return !value.isEmpty() && QStringView(u"=+-@\t\r").contains(value.front());
-}
-
-bool breaksCsvCell(const QString& value)
-{
-    for (const QChar c : value) {
-        if (c == QLatin1Char(',') || c == QLatin1Char('"') || c == QLatin1Char('\n') || c == QLatin1Char('\r'))
-            return true;
-    }
-    return false;
+    return core::settingIsOn(settings.value(QLatin1String(column.visibleKey)));
 }
 
 enum class Csv { Bare, Quoted };
@@ -84,9 +65,9 @@ enum class Csv { Bare, Quoted };
 // Collects one export row as HTML cells or as comma-terminated CSV cells.
 class RowWriter {
 public:
-    explicit RowWriter(bool html) : html_(html) {}
+    RowWriter(bool html, const core::UserSettings& settings) : html_(html), settings_(settings) {}
 
-    bool shows(const Column& column) const { return !html_ || isVisible(column); }
+    bool shows(const Column& column) const { return !html_ || isVisible(settings_, column); }
 
     // Text from the air or the user: it may carry markup, separators or spreadsheet formulas.
     void text(const QString& value, Csv form)
@@ -95,11 +76,7 @@ public:
             out_ += QLatin1String("<td>") + value.toHtmlEscaped() + QLatin1String("</td>");
             return;
         }
-        const bool formula = startsLikeFormula(value);
-        if (form == Csv::Quoted || formula || breaksCsvCell(value))
-            out_ += csvQuoted(formula ? QLatin1Char('\'') + value : value);
-        else
-            out_ += value;
+        out_ += core::csvCell(value, form == Csv::Quoted ? core::CsvQuoting::Always : core::CsvQuoting::WhenNeeded);
         out_ += QLatin1Char(',');
     }
 
@@ -126,6 +103,7 @@ public:
 
 private:
     bool html_;
+    const core::UserSettings& settings_;
     QString out_;
 };
 
@@ -177,10 +155,10 @@ QString orNotAvailable(const QString& text) { return text.isEmpty() ? QStringLit
 
 } // namespace
 
-QString ScanedResultInfo::toString()
+QString ScanedResultInfo::toString(const core::UserSettings& settings)
 {
     populateMaxDataRate();
-    RowWriter row(isHtml(exportType));
+    RowWriter row(isHtml(exportType), settings);
     row.text(ssid, Csv::Quoted);
     row.text(bssid, Csv::Bare);
     if (row.shows(tagColumn))
@@ -233,13 +211,13 @@ QString ScanedResultInfo::toString()
     return row.finish();
 }
 
-QString ScanedResultInfo::getHeader() const
+QString ScanedResultInfo::getHeader(const core::UserSettings& settings) const
 {
     if (!isHtml(exportType))
         return QLatin1String(csvHeader);
     QString header = QStringLiteral("<thead><tr><th>SSID</th><th>BSSID</th>");
     for (const Column& column : optionalColumns) {
-        if (isVisible(column))
+        if (isVisible(settings, column))
             header += QLatin1String(column.htmlHeading);
     }
     header += QLatin1String("</tr></thead>\n");

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/user_settings.h"
+
 #include "platform/api/scan_result.h"
 
 #include <QDateTime>
@@ -63,7 +65,8 @@ public:
     void populateMaxDataRate();
     QString getMaxDataRate();
 
-    // One export row and its heading; HTML when exportType is "html", CSV otherwise.
-    QString toString();
-    QString getHeader() const;
+    // One export row and its heading; HTML when exportType is "html", CSV otherwise. An HTML
+    // row leaves out the columns the user hid in settings.
+    QString toString(const core::UserSettings& settings);
+    QString getHeader(const core::UserSettings& settings) const;
 };

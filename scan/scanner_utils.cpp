@@ -2,8 +2,7 @@
 
 #include "scan/hex_digit.h"
 
-#include "app/settings/settings_store.h"
-#include "platform/api/platform_flags.h"
+#include "core/units.h"
 #include "platform/api/scan_result.h"
 #include "scan/date_format.h"
 #include "scan/number_format.h"
@@ -12,11 +11,8 @@
 #include <QHostAddress>
 #include <QLocale>
 #include <QNetworkInterface>
-#include <QSysInfo>
-#include <QtDebug>
 
 #include <array>
-#include <cstdio>
 
 namespace {
 
@@ -153,26 +149,26 @@ QString ScannerUtils::formatDate(const QString& pattern, const QDateTime& date)
 
 QString ScannerUtils::stringForChannelBond(int channel)
 {
-    return channel < 15 ? QStringLiteral("2.4 GHz") : QStringLiteral("5 GHz");
+    return core::is24GhzChannel(channel) ? QStringLiteral("2.4 GHz") : QStringLiteral("5 GHz");
 }
 
-double ScannerUtils::channelBondForChannel(int channel) { return channel > 14 ? 5.0 : 2.4; }
+double ScannerUtils::channelBondForChannel(int channel) { return core::bandGhz(core::ChannelBand::Unknown, channel); }
 
-double ScannerUtils::intForChannelBond(int channel) { return channel < 15 ? 2.4 : 5.0; }
+double ScannerUtils::intForChannelBond(int channel) { return core::bandGhz(core::ChannelBand::Unknown, channel); }
 
-QString ScannerUtils::stringForPHYMode(int code)
+QString ScannerUtils::stringForPHYMode(int code, core::InterfaceGeneration generation)
 {
-    const QString text = textAt(isOSSnowLeopard() ? olderPhyModes : currentPhyModes, code);
+    const QString text = textAt(core::isOSSnowLeopard(generation) ? olderPhyModes : currentPhyModes, code);
     return text.isNull() ? emptyText() : text;
 }
 
-QString ScannerUtils::getSupportedPHYModeString(const platform::ScanResult& network)
+QString ScannerUtils::getSupportedPHYModeString(const platform::ScanResult& network, core::InterfaceGeneration generation)
 {
-    const auto& table = isOSSnowLeopard() ? olderSupportedPhyModes : currentSupportedPhyModes;
+    const auto& table = core::isOSSnowLeopard(generation) ? olderSupportedPhyModes : currentSupportedPhyModes;
     // Empty rather than null: a network with no known mode still has a (blank) mode text.
     QString modes(QLatin1String(""));
     for (int code = 0; code < static_cast<int>(table.size()); ++code) {
-        if (network.supportsPHYMode(code)) {
+        if (network.supportsPHYMode(code, generation)) {
             modes += QLatin1String(table[static_cast<std::size_t>(code)]);
         }
     }
@@ -194,21 +190,21 @@ int ScannerUtils::securityModeForString(const QString& text)
     return 0;
 }
 
-QString ScannerUtils::stringForSecurityMode(int code)
+QString ScannerUtils::stringForSecurityMode(int code, core::InterfaceGeneration generation)
 {
     if (code == -1) {
         return QStringLiteral("Secured");
     }
-    if (isOSSnowLeopard()) {
+    if (core::isOSSnowLeopard(generation)) {
         return textAt(olderSecurityModes, code);
     }
     const QString text = textAt(currentSecurityModes, code);
     return text.isNull() ? QStringLiteral("Unknown") : text;
 }
 
-QString ScannerUtils::stringForOpMode(int code)
+QString ScannerUtils::stringForOpMode(int code, core::InterfaceGeneration generation)
 {
-    return textAt(isOSSnowLeopard() ? olderOpModes : currentOpModes, code);
+    return textAt(core::isOSSnowLeopard(generation) ? olderOpModes : currentOpModes, code);
 }
 
 QString ScannerUtils::getIP()
@@ -239,39 +235,7 @@ QString ScannerUtils::getIP(const QStringList& addresses)
     return QStringLiteral("IP address not available");
 }
 
-bool ScannerUtils::isOSSnowLeopard() { return platform::isOSSnowLeopard(); }
-
-float ScannerUtils::GetOSVersion()
-{
-    // The kernel release ("6.1.0-18-amd64") is the Linux counterpart of the system version.
-    const QString release = QSysInfo::kernelVersion();
-    std::array<long, 3> numbers{0, 0, 0};
-    std::size_t index = 0;
-    for (const QChar c : release) {
-        if (c.isDigit() && numbers[index] < 100'000'000) {
-            numbers[index] = numbers[index] * 10 + c.digitValue();
-        } else if (c == QLatin1Char('.') && index + 1 < numbers.size()) {
-            ++index;
-        } else {
-            break;
-        }
-    }
-    const QString version = QString::asprintf("%ld.%ld.%ld", numbers[0], numbers[1], numbers[2]);
-    // Read back like a float literal: the parse ends at the second ".", so 6.1.0 reads as 6.1.
-    return QLocale::c().toFloat(version.section(QLatin1Char('.'), 0, 1));
-}
-
 QString ScannerUtils::formatNumber(float value) { return NumberFormat::format(value); }
-
-QVariant ScannerUtils::getUserSettingForKey(const QString& key)
-{
-    return SettingsStore::shared().getUserSettingForKey(key);
-}
-
-void ScannerUtils::setUserSetting(const QVariant& value, const QString& key)
-{
-    SettingsStore::shared().setUserSetting(value, key);
-}
 
 int ScannerUtils::getIntData(const QByteArray& bytes, int position)
 {
@@ -336,17 +300,4 @@ QByteArray ScannerUtils::NSDataFromHexString(const QString& hex)
         }
     }
     return bytes;
-}
-
-void ScannerUtils::tempPrint(int length, const unsigned char* bytes)
-{
-    for (int i = 0; bytes != nullptr && i < length; ++i) {
-        std::printf("%02X ", bytes[i]);
-    }
-    std::printf("\n");
-}
-
-void ScannerUtils::printNSData(const QByteArray& bytes)
-{
-    qDebug().noquote() << "bytes" << bytes.size() << ":" << QString::fromLatin1(bytes.toHex(' ').toUpper());
 }

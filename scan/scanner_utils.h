@@ -1,5 +1,8 @@
 #pragma once
 
+#include "core/interface_generation.h"
+#include "core/user_settings.h"
+
 #include <QByteArray>
 #include <QDateTime>
 #include <QString>
@@ -16,7 +19,7 @@ struct ScanResult;
 
 // Stateless helpers shared by the whole program: vendor lookup, MAC and name normalisation,
 // the texts of platform mode codes, hex and bit-string conversion, number and date formatting,
-// user settings, the host address and the platform generation test. Thread-safe.
+// user settings, the host address and the interface generation test. Thread-safe.
 class ScannerUtils {
 public:
     ScannerUtils() = delete;
@@ -41,18 +44,18 @@ public:
     static double channelBondForChannel(int channel);
     static double intForChannelBond(int channel);
 
-    static QString stringForPHYMode(int code);
-    static QString getSupportedPHYModeString(const platform::ScanResult& network);
+    // The mode tables differ between interface generations: the caller passes its backend's.
+    static QString stringForPHYMode(int code, core::InterfaceGeneration generation);
+    static QString getSupportedPHYModeString(const platform::ScanResult& network, core::InterfaceGeneration generation);
     static int securityModeForString(const QString& text);
-    // Null QString where the table of the active generation has no text.
-    static QString stringForSecurityMode(int code);
-    static QString stringForOpMode(int code);
+    // Null QString where the table of the generation has no text.
+    static QString stringForSecurityMode(int code, core::InterfaceGeneration generation);
+    static QString stringForOpMode(int code, core::InterfaceGeneration generation);
 
     static QString getIP();
     // The same rules over given address texts.
     static QString getIP(const QStringList& addresses);
-    static bool isOSSnowLeopard();
-    static float GetOSVersion();
+    static bool isOSSnowLeopard(core::InterfaceGeneration generation) { return core::isOSSnowLeopard(generation); }
 
     // Decimal, at most one fractional digit, "." separator, no grouping, half-even rounding.
     static QString formatNumber(float value);
@@ -60,14 +63,18 @@ public:
     // MCS index of the interface's transmit rate, using the record's short-GI flags.
     static int getMCSIndexUsingTXRate(double txRateMbps, int channelWidthMhz, const ScanedResultInfo& networkInfo);
 
-    static QVariant getUserSettingForKey(const QString& key);
-    static void setUserSetting(const QVariant& value, const QString& key);
+    static QVariant getUserSettingForKey(const core::UserSettings& settings, const QString& key)
+    {
+        return settings.value(key);
+    }
+    static void setUserSetting(core::UserSettings& settings, const QVariant& value, const QString& key)
+    {
+        settings.setValue(key, value);
+    }
 
     static int getIntData(const QByteArray& bytes, int position);
     static QString toBinary(std::uint64_t value, int digits);
     // Null QString for odd-length input; each byte becomes the character of the same code point.
     static QString stringFromHexString(const QString& hex);
     static QByteArray NSDataFromHexString(const QString& hex);
-    static void tempPrint(int length, const unsigned char* bytes);
-    static void printNSData(const QByteArray& bytes);
 };

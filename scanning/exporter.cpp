@@ -70,8 +70,8 @@ bool needsSelection(ScanExporter::Kind kind)
 
 } // namespace
 
-ScanExporter::ScanExporter(const platform::Clock& clock, QString templatePath)
-    : clock_(clock), templatePath_(std::move(templatePath))
+ScanExporter::ScanExporter(const platform::Clock& clock, const core::UserSettings& settings, QString templatePath)
+    : clock_(clock), settings_(settings), templatePath_(std::move(templatePath))
 {
 }
 
@@ -112,7 +112,7 @@ QString ScanExporter::destinationPath(const QString& locationUrlText)
     return locationUrlText;
 }
 
-QString ScanExporter::csvText(const QList<WiFiScanTest*>& tests)
+QString ScanExporter::csvText(const QList<WiFiScanTest*>& tests) const
 {
     QString text;
     bool headingWritten = false;
@@ -121,16 +121,16 @@ QString ScanExporter::csvText(const QList<WiFiScanTest*>& tests)
         for (ScanedResultInfo& record : test->scanedData1) {
             record.exportType = QStringLiteral("csv");
             if (!headingWritten) {
-                text += record.getHeader();
+                text += record.getHeader(settings_);
                 headingWritten = true;
             }
-            text += name + QLatin1Char(',') + record.toString();
+            text += name + QLatin1Char(',') + record.toString(settings_);
         }
     }
     return text;
 }
 
-QString ScanExporter::htmlBody(const QList<WiFiScanTest*>& tests)
+QString ScanExporter::htmlBody(const QList<WiFiScanTest*>& tests) const
 {
     QString body;
     for (WiFiScanTest* test : tests) {
@@ -140,11 +140,11 @@ QString ScanExporter::htmlBody(const QList<WiFiScanTest*>& tests)
             if (first) {
                 body += QLatin1String("<center style='font-size:18px; color:#f37736;'><strong> ")
                         + test->testLabel.toHtmlEscaped() + QLatin1String("</strong></center><br>")
-                        + QLatin1String("<table>") + record.getHeader();
+                        + QLatin1String("<table>") + record.getHeader(settings_);
                 first = false;
             }
             const bool connected = record.bssid == test->activeBSSID;
-            body += (connected ? QLatin1String("<tr class=connected>") : QLatin1String("<tr>")) + record.toString()
+            body += (connected ? QLatin1String("<tr class=connected>") : QLatin1String("<tr>")) + record.toString(settings_)
                     + QLatin1String("</tr>\n");
         }
         body += QLatin1String("</table><br><br>");

@@ -3,6 +3,7 @@
 #include "scanning/graph_image_provider.h"
 #include "scanning/wifi_scan_test.h"
 
+#include "core/user_settings.h"
 #include "platform/api/clock.h"
 
 #include <QDateTime>
@@ -31,7 +32,9 @@ public:
     static constexpr const char* templateResource = ":/Export.html";
 
     // templatePath lets a caller (or a test) point at another page template.
-    explicit ScanExporter(const platform::Clock& clock, QString templatePath = QLatin1String(templateResource));
+    // settings: which columns an HTML report shows.
+    ScanExporter(const platform::Clock& clock, const core::UserSettings& settings,
+                 QString templatePath = QLatin1String(templateResource));
 
     static bool isKind(int tag);
     static QString suggestedFileName(Kind kind, const QDateTime& now);
@@ -42,8 +45,8 @@ public:
     Result startExporting(Kind kind, const QString& fileSavePath, const QList<WiFiScanTest*>& allTests,
                           WiFiScanTest* selected, const ReportGraphs& graphs = {}) const;
 
-    static QString csvText(const QList<WiFiScanTest*>& tests);
-    static QString htmlBody(const QList<WiFiScanTest*>& tests);
+    QString csvText(const QList<WiFiScanTest*>& tests) const;
+    QString htmlBody(const QList<WiFiScanTest*>& tests) const;
     QString htmlPage(const QString& body, const QDateTime& now) const;
 
 private:
@@ -51,5 +54,6 @@ private:
                             const ReportGraphs& graphs) const;
 
     const platform::Clock& clock_;
+    const core::UserSettings& settings_;
     QString templatePath_;
 };

@@ -1,6 +1,5 @@
 #include "scanning/literal_scan_store.h"
 
-#include "platform/api/platform_flags.h"
 #include "scanning/scan_database_impl.h"
 #include "scanning/sqlite_statement.h"
 
@@ -26,7 +25,6 @@ void deletePredecessor(sqlite3* db, const QString& text)
 void storeScan(ScanDatabase& database, const QList<ObservationRow>& rows, bool merge)
 {
     sqlite3* db = database.handle();
-    const bool oldest = platform::isOSSnowLeopard();
     QSet<QString> deletedNames;
     for (const ObservationRow& row : rows) {
         scandb::Statement insert(db, QStringLiteral(
@@ -44,7 +42,7 @@ void storeScan(ScanDatabase& database, const QList<ObservationRow>& rows, bool m
             qInfo().noquote() << QStringLiteral("Here i got a hidden ssid with bssid as %1").arg(row.bssid);
         if (!insert.isPrepared())
             continue;
-        scandb::bindObservation(insert, row, oldest);
+        scandb::bindObservation(insert, row);
         if (insert.step() != SQLITE_DONE)
             qWarning().noquote() << QStringLiteral("Error while saving scan result info. '%1'").arg(scandb::errorMessage(db));
     }

@@ -1,6 +1,7 @@
 #include "scanning/scan_database.h"
 
-#include "platform/api/platform_flags.h"
+#include "core/units.h"
+
 #include "scan/scanner_utils.h"
 
 #include <algorithm>
@@ -37,27 +38,18 @@ int oldestSecurityModeCode(int current)
     }
 }
 
-double bandOf(platform::ChannelBand band)
-{
-    switch (band) {
-    case platform::ChannelBand::Band2GHz: return 2.4;
-    case platform::ChannelBand::Band5GHz: return 5.0;
-    case platform::ChannelBand::Unknown: break;
-    }
-    return 0.0;
-}
-
 } // namespace
 
 ObservationRow ObservationRow::fromScanResult(const platform::ScanResult& network, const QString& channelText,
-                                              double secondsSince1970)
+                                              double secondsSince1970, core::InterfaceGeneration generation)
 {
-    const bool oldest = platform::isOSSnowLeopard();
+    const bool oldest = core::isOSSnowLeopard(generation);
     ObservationRow row;
+    row.generation = generation;
     row.originalChannel = network.channelNumber;
     row.channel = oldest ? channelText : QString::number(network.channelNumber);
-    row.phyMode = oldest ? ScannerUtils::stringForPHYMode(oldestPhyModeCode(network))
-                         : ScannerUtils::getSupportedPHYModeString(network);
+    row.phyMode = oldest ? ScannerUtils::stringForPHYMode(oldestPhyModeCode(network), generation)
+                         : ScannerUtils::getSupportedPHYModeString(network, generation);
     row.rssi = network.rssiValue;
     row.noise = QString::number(network.noiseMeasurement);
     row.hidden = network.ssid.isEmpty();
@@ -70,7 +62,7 @@ ObservationRow ObservationRow::fromScanResult(const platform::ScanResult& networ
         row.securityMode = network.securityMode == platform::SecurityNone ? QStringLiteral("0") : QStringLiteral("-1");
     row.ibss = network.ibss ? QStringLiteral("1") : QStringLiteral("0");
     row.lastSeen = secondsSince1970;
-    row.channelBond = oldest ? ScannerUtils::channelBondForChannel(network.channelNumber) : bandOf(network.channelBand);
+    row.channelBond = core::bandGhz(oldest ? core::ChannelBand::Unknown : network.channelBand, network.channelNumber);
     row.normalizedSsid = row.hidden ? hiddenName : ScannerUtils::normalizeString(network.ssid);
     return row;
 }

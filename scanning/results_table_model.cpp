@@ -9,7 +9,10 @@
 
 #include <algorithm>
 
-ResultsTableModel::ResultsTableModel(GraphSink* graph, QObject* parent) : QObject(parent), graph_(graph) {}
+ResultsTableModel::ResultsTableModel(core::UserSettings& settings, GraphSink* graph, QObject* parent)
+    : QObject(parent), settings_(settings), graph_(graph)
+{
+}
 
 void ResultsTableModel::setGraphSink(GraphSink* graph) { graph_ = graph; }
 
@@ -131,7 +134,7 @@ void ResultsTableModel::updateTableColumnsView()
 {
     for (const ResultsColumn& column : results_columns::all()) {
         if (!column.visibilityKey.isEmpty()) {
-            hiddenColumns_[column.identifier] = !ScannerUtils::getUserSettingForKey(column.visibilityKey).toBool();
+            hiddenColumns_[column.identifier] = !core::settingIsOn(settings_.value(column.visibilityKey));
         }
     }
 }
@@ -146,7 +149,7 @@ void ResultsTableModel::toggleColumn(const QString& identifier)
     }
     const bool hidden = !isColumnHidden(identifier);
     hiddenColumns_[identifier] = hidden;
-    ScannerUtils::setUserSetting(!hidden, key);
+    settings_.setValue(key, !hidden);
     emit columnVisibilityChanged(identifier, hidden);
 }
 
@@ -283,20 +286,20 @@ QString ResultsTableModel::copyRow()
         }
         ScanedResultInfo& record = currentTest_->scanedData1[row];
         record.exportType = QStringLiteral("csv");
-        text += record.toString() + QLatin1Char('\n');
+        text += record.toString(settings_) + QLatin1Char('\n');
     }
     return text;
 }
 
-QString ResultsTableModel::bssidTagForBSSID(const QString& bssid)
+QString ResultsTableModel::bssidTagForBSSID(const QString& bssid) const
 {
-    return ScannerUtils::getUserSettingForKey(bssid).toString();
+    return settings_.value(bssid).toString();
 }
 
 void ResultsTableModel::saveBSSIDTag(const QString& bssid, const QString& tag)
 {
     // Stored even when empty: an empty tag must override the one saved before.
-    ScannerUtils::setUserSetting(tag.isEmpty() ? QStringLiteral("") : tag, bssid);
+    settings_.setValue(bssid, tag.isEmpty() ? QStringLiteral("") : tag);
     if (currentTest_ != nullptr) {
         for (ScanedResultInfo& record : currentTest_->scanedData1) {
             if (record.bssid == bssid) {

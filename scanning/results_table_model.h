@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/user_settings.h"
 #include "scan/scaned_result_info.h"
 #include "scanning/scan_results_listener.h"
 
@@ -19,7 +20,8 @@ class GraphSink;
 class ResultsTableModel : public QObject, public ScanResultsListener {
     Q_OBJECT
 public:
-    explicit ResultsTableModel(GraphSink* graph = nullptr, QObject* parent = nullptr);
+    // settings: column visibility and the per-BSSID tags live there.
+    explicit ResultsTableModel(core::UserSettings& settings, GraphSink* graph = nullptr, QObject* parent = nullptr);
 
     void setGraphSink(GraphSink* graph);
 
@@ -72,7 +74,7 @@ public:
     QString copyRow();
 
     // Per-BSSID tags, kept in the user settings under the BSSID itself.
-    static QString bssidTagForBSSID(const QString& bssid);
+    QString bssidTagForBSSID(const QString& bssid) const;
     void saveBSSIDTag(const QString& bssid, const QString& tag);
     void didSavedBSSIDTagInfo();
 
@@ -95,6 +97,7 @@ private:
     void removeAllPlotsFromGraph();
     void reloadTable();
 
+    core::UserSettings& settings_;
     GraphSink* graph_ = nullptr;
     std::shared_ptr<WiFiScanTest> currentTest_;
     QStringList selectedBssids_;

@@ -194,18 +194,18 @@ std::optional<int> ScanDatabase::matchCount(const QString& filterCriteria, const
     return lastCountStepped(impl_->db, text, "Error while fetching count of scan results '%1'");
 }
 
-void ScanDatabase::updateNetworkCountsForSummaryWindow()
+void ScanDatabase::updateNetworkCountsForSummaryWindow(core::UserSettings& settings)
 {
     const auto count = lastCountStepped(impl_->db, QStringLiteral("select count(*) from wifi_scan_data"),
                                         "Error while fetching count of scan results '%1'");
     if (count)
-        ScannerUtils::setUserSetting(QString::asprintf("%d", *count), QStringLiteral("TOTAL_NETWORKS"));
+        settings.setValue(QStringLiteral("TOTAL_NETWORKS"), QString::asprintf("%d", *count));
 }
 
-void ScanDatabase::update24MhzNetworkCountsForSummaryWindow()
+void ScanDatabase::update24MhzNetworkCountsForSummaryWindow(core::UserSettings& settings)
 {
     const auto count = lastCountStepped(impl_->db, QStringLiteral("select count(*) from wifi_scan_data where originalChannel <= 14"),
                                         "Error while fetching count 24mhz networks from scan results '%1'");
     if (count)
-        ScannerUtils::setUserSetting(QString::asprintf("%d", *count), QStringLiteral("TOTAL_24MHZ_NETWORKS"));
+        settings.setValue(QStringLiteral("TOTAL_24MHZ_NETWORKS"), QString::asprintf("%d", *count));
 }

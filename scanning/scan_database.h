@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/interface_generation.h"
+#include "core/user_settings.h"
 #include "scan/record_builder.h"
 
 #include <QList>
@@ -28,11 +30,12 @@ struct ObservationRow {
     double channelBond = 0.0;
     QString normalizedSsid;   // "[Hidden]" for a network without a name
     bool hidden = false;      // the network had no name (logged when stored)
+    core::InterfaceGeneration generation = core::InterfaceGeneration::Later;  // decides the stored forms
 
     // The row the scan driver stores for a scanned network. channelText is the display
     // channel the driver chose (number, or the tool's text with a secondary-channel suffix).
     static ObservationRow fromScanResult(const platform::ScanResult& network, const QString& channelText,
-                                         double secondsSince1970);
+                                         double secondsSince1970, core::InterfaceGeneration generation);
 };
 
 // The scan database: one SQLite file holding the observations of the running test. Every
@@ -65,8 +68,9 @@ public:
                                                            const QString& activeBssid, bool merge);
     // The merged count query's value; std::nullopt when it failed.
     std::optional<int> matchCount(const QString& filterCriteria, const QString& activeBssid);
-    void updateNetworkCountsForSummaryWindow();
-    void update24MhzNetworkCountsForSummaryWindow();
+    // The summary window's counts are kept as settings.
+    void updateNetworkCountsForSummaryWindow(core::UserSettings& settings);
+    void update24MhzNetworkCountsForSummaryWindow(core::UserSettings& settings);
 
     sqlite3* handle() const;
 

@@ -9,7 +9,7 @@ struct sqlite3;
 namespace scandb {
 class Statement;
 // Binds the thirteen columns of the insert, in table order.
-void bindObservation(Statement& insert, const ObservationRow& row, bool oldestGeneration);
+void bindObservation(Statement& insert, const ObservationRow& row);
 } // namespace scandb
 
 // The connection state shared by the files that implement ScanDatabase.

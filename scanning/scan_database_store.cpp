@@ -1,6 +1,5 @@
 #include "scanning/scan_database.h"
 
-#include "platform/api/platform_flags.h"
 #include "scanning/scan_database_impl.h"
 #include "scanning/sqlite_statement.h"
 
@@ -116,8 +115,9 @@ private:
 } // namespace
 
 // The oldest interface generation stores channel and noise as text, the current one as integers.
-void scandb::bindObservation(Statement& insert, const ObservationRow& row, bool oldest)
+void scandb::bindObservation(Statement& insert, const ObservationRow& row)
 {
+    const bool oldest = core::isOSSnowLeopard(row.generation);
     sqlite3_stmt* s = insert.get();
     sqlite3_bind_int(s, 1, row.originalChannel);
     if (oldest)
@@ -144,7 +144,6 @@ namespace {
 
 void storeRows(sqlite3* db, const QList<ObservationRow>& rows, bool merge, bool doubleQuotedTextIsLiteral)
 {
-    const bool oldest = platform::isOSSnowLeopard();
     scandb::Statement insert(db, insertText);
     PredecessorDeletion deletion(db, merge, doubleQuotedTextIsLiteral);
     for (const ObservationRow& row : rows) {
@@ -156,7 +155,7 @@ void storeRows(sqlite3* db, const QList<ObservationRow>& rows, bool merge, bool 
             qInfo().noquote() << QStringLiteral("Here i got a hidden ssid with bssid as %1").arg(row.bssid);
         if (!insert.isPrepared())
             continue;
-        scandb::bindObservation(insert, row, oldest);
+        scandb::bindObservation(insert, row);
         if (insert.step() != SQLITE_DONE)
             logSaveFailure(scandb::errorMessage(db));
         insert.reset();

@@ -1,6 +1,5 @@
 #include "scanning/scan_test_driver.h"
 
-#include "scanning/notification_center.h"
 
 #include <QCoreApplication>
 #include <QRegularExpression>
@@ -33,9 +32,10 @@ QString shellQuoted(const QString& text)
 } // namespace
 
 ScanTestDriver::ScanTestDriver(std::shared_ptr<platform::WirelessInterface> currentInterface, ScanDatabase& database,
-                               TimerSource& timers, platform::CommandRunner& commands, QString toolPath,
-                               QStringList toolArguments, QObject* parent)
-    : QObject(parent), currentInterface_(std::move(currentInterface)), database_(database), timers_(timers),
+                               core::UserSettings& settings, TimerSource& timers, platform::CommandRunner& commands,
+                               QString toolPath, QStringList toolArguments, QObject* parent)
+    : QObject(parent), currentInterface_(std::move(currentInterface)), database_(database), settings_(settings),
+      timers_(timers),
       commands_(commands), toolPath_(std::move(toolPath)), toolArguments_(std::move(toolArguments)),
       airportInterfaceName_(currentInterface_->interfaceName())
 {
@@ -55,18 +55,6 @@ void ScanTestDriver::setResultsListener(ScanResultsListener* listener)
 void ScanTestDriver::setConfirmation(Confirmation confirmation)
 {
     confirmation_ = std::move(confirmation);
-}
-
-void ScanTestDriver::observeNotifications(NotificationCenter& center)
-{
-    connect(&center, &NotificationCenter::notificationPosted, this, [this](const QString& name) {
-        if (name == QLatin1String("appFinishLaunching"))
-            goToForeGround();
-        else if (name == QLatin1String("pauseScanTimer"))
-            pauseTimerNotification();
-        else if (name == QLatin1String("resumeScanTimer"))
-            resumeTimerNotification();
-    });
 }
 
 void ScanTestDriver::waitForBackgroundWork()

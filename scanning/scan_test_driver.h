@@ -21,8 +21,6 @@
 #include <memory>
 #include <optional>
 
-class NotificationCenter;
-
 // The scanner tab without its widgets: the list of scan tests, the run button's states, the
 // scan timer, one scan at a time on a background thread, storing and reading back each scan,
 // the per-network histories and the label texts. Views and the command line bind to its state
@@ -43,8 +41,8 @@ public:
     // toolPath is the installed command-line tool, toolArguments the options that select the
     // same backend on it.
     ScanTestDriver(std::shared_ptr<platform::WirelessInterface> currentInterface, ScanDatabase& database,
-                   TimerSource& timers, platform::CommandRunner& commands, QString toolPath,
-                   QStringList toolArguments, QObject* parent = nullptr);
+                   core::UserSettings& settings, TimerSource& timers, platform::CommandRunner& commands,
+                   QString toolPath, QStringList toolArguments, QObject* parent = nullptr);
     ~ScanTestDriver() override;
 
     // Shared by every scan path of the process: at most one scan in flight, and the run of
@@ -55,7 +53,6 @@ public:
     void setResultsListener(ScanResultsListener* listener);
     // The view's answer to "Are you sure you want to delete?"; without one nothing is deleted.
     void setConfirmation(Confirmation confirmation);
-    void observeNotifications(NotificationCenter& center);
 
     // The interval selector: read when a test starts and by the history rule on every scan.
     int refreshIntervalSeconds() const { return refreshIntervalSeconds_; }
@@ -135,6 +132,8 @@ private:
     void applyChannelInfo(const ChannelInfo& info);
     QString channelTextFor(const QString& bssid, int channelNumber);
     QList<ScanedResultInfo> recordsFromRows(const QList<StoredObservation>& rows);
+    // Keeps a beacon's AP name as the "<BSSID>-apname" setting; written once per BSSID and name.
+    void rememberAccessPointName(const ScanedResultInfo& record);
     ScanedResultInfo connectedNetworkRecord(const platform::InterfaceSnapshot& link, const WiFiScanTest& test,
                                             const QDateTime& now) const;
     void updateCountLabel(int shown, bool merge, std::optional<int> matchCount);
@@ -146,6 +145,7 @@ private:
 
     std::shared_ptr<platform::WirelessInterface> currentInterface_;
     ScanDatabase& database_;
+    core::UserSettings& settings_;
     TimerSource& timers_;
     platform::CommandRunner& commands_;
     QString toolPath_;
@@ -159,6 +159,7 @@ private:
     QHash<QString, QString> bssidToChannelMapping_;
     QHash<QString, std::shared_ptr<const platform::ScanResult>> bssidToCWNetworkMapping_;
     QHash<QString, QString> bssidSecurityTypeMapping_;
+    QHash<QString, QString> savedAccessPointNames_;
     std::unique_ptr<Timer> scanTimer_;
     std::unique_ptr<Timer> channelRefreshTimer_;
     std::unique_ptr<Timer> launchScanTimer_;

@@ -2,8 +2,8 @@
 // and the histories on the owner thread.
 #include "scanning/scan_test_driver.h"
 
-#include "platform/api/platform_flags.h"
 #include "scan/record_builder.h"
+#include "core/units.h"
 #include "scan/scanner_utils.h"
 
 #include <QDebug>
@@ -28,7 +28,7 @@ void ScanTestDriver::performScanningInBackground()
 
         platform::ScanOutcome outcome = currentInterface_->scanForNetworksWithSSID(QByteArray());
         QList<platform::ScanResult> networks = outcome.networks;
-        if (!platform::isOSSnowLeopard()) {
+        if (!core::isOSSnowLeopard(currentInterface_->generation())) {
             // The service often answers a scan it could not run, or an empty one, from what it
             // heard recently; that beats showing nothing.
             if (outcome.error) {
@@ -84,7 +84,9 @@ QList<ScanedResultInfo> ScanTestDriver::recordsFromRows(const QList<StoredObserv
     QList<ScanedResultInfo> records;
     records.reserve(rows.size());
     for (const StoredObservation& row : rows) {
-        ScanedResultInfo record = buildRecord(row, bssidToCWNetworkMapping_.value(row.bssid), &bssidSecurityTypeMapping_);
+        ScanedResultInfo record = buildRecord(row, bssidToCWNetworkMapping_.value(row.bssid), currentInterface_->generation(),
+                                              settings_, &bssidSecurityTypeMapping_);
+        rememberAccessPointName(record);
         if (!allSSIDs_.contains(record.ssid))
             allSSIDs_.append(record.ssid);
         const QString channel = QString::number(record.originalChannel);
@@ -93,6 +95,17 @@ QList<ScanedResultInfo> ScanTestDriver::recordsFromRows(const QList<StoredObserv
         records.append(std::move(record));
     }
     return records;
+}
+
+void ScanTestDriver::rememberAccessPointName(const ScanedResultInfo& record)
+{
+    if (!ScannerUtils::hasValue(record.apname))
+        return;
+    const auto saved = savedAccessPointNames_.constFind(record.bssid);
+    if (saved != savedAccessPointNames_.cend() && *saved == record.apname)
+        return;
+    savedAccessPointNames_.insert(record.bssid, record.apname);
+    settings_.setValue(record.bssid + QStringLiteral("-apname"), record.apname);
 }
 
 ScanedResultInfo ScanTestDriver::connectedNetworkRecord(const platform::InterfaceSnapshot& link,
@@ -109,18 +122,18 @@ ScanedResultInfo ScanTestDriver::connectedNetworkRecord(const platform::Interfac
     record.phyMode = link.activePHYMode;
     record.securityMode = link.security;
     record.securityModeString =
-        bssidSecurityTypeMapping_.value(bssid, ScannerUtils::stringForSecurityMode(link.security));
+        bssidSecurityTypeMapping_.value(bssid, ScannerUtils::stringForSecurityMode(link.security, currentInterface_->generation()));
     if (link.wlanChannel) {
         record.originalChannel = link.wlanChannel->channelNumber;
         record.channel = QString::number(link.wlanChannel->channelNumber);
-        record.channelBond = link.wlanChannel->channelBand == platform::ChannelBand::Band5GHz ? 5.0 : 2.4;
+        record.channelBond = core::bandGhz(link.wlanChannel->channelBand, link.wlanChannel->channelNumber);
         record.channelWidth = core::widthMhz(link.wlanChannel->channelWidth);
     }
     record.cc = link.countryCode;
     record.lastSeen = now;
     record.network = bssidToCWNetworkMapping_.value(bssid);
     record.vendorName = ScannerUtils::vendorNameForMAC(bssid);
-    const QString tag = ScannerUtils::getUserSettingForKey(bssid).toString();
+    const QString tag = settings_.value(bssid).toString();
     record.bssidTag = ScannerUtils::hasValue(tag) ? tag : QStringLiteral("");
     return record;
 }
@@ -146,7 +159,7 @@ void ScanTestDriver::updateViewOfScanData(const QList<platform::ScanResult>& net
     }
     const std::shared_ptr<WiFiScanTest> test = wifiScanTestArray_.first();
     try {
-        const bool merge = ScannerUtils::getUserSettingForKey(QStringLiteral("mergeScanResults")).toInt() == 1;
+        const bool merge = core::settingIsOn(settings_.value(QStringLiteral("mergeScanResults")));
         const platform::InterfaceSnapshot link = currentInterface_->snapshot();
         const QString activeBSSID = link.bssid.isEmpty() ? QString() : ScannerUtils::normalizeMAC(link.bssid);
         test->activeBSSID = activeBSSID;
@@ -161,11 +174,11 @@ void ScanTestDriver::updateViewOfScanData(const QList<platform::ScanResult>& net
             bssidToCWNetworkMapping_.insert(bssid, std::make_shared<const platform::ScanResult>(network));
             scanReportedActive = scanReportedActive || (!activeBSSID.isEmpty() && bssid == activeBSSID);
             rows.append(ObservationRow::fromScanResult(network, channelTextFor(bssid, network.channelNumber),
-                                                       secondsSince1970));
+                                                       secondsSince1970, currentInterface_->generation()));
         }
         database_.storeScan(rows, merge);
-        database_.updateNetworkCountsForSummaryWindow();
-        totalRecords_ = ScannerUtils::getUserSettingForKey(QStringLiteral("TOTAL_NETWORKS")).toInt();
+        database_.updateNetworkCountsForSummaryWindow(settings_);
+        totalRecords_ = settings_.value(QStringLiteral("TOTAL_NETWORKS")).toInt();
 
         const auto stored = database_.readForDisplay(filterCriteria_, activeBSSID, merge);
         const std::optional<int> matchCount = merge ? database_.matchCount(filterCriteria_, activeBSSID) : std::nullopt;

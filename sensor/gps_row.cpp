@@ -1,6 +1,5 @@
 #include "sensor/gps_row.h"
 
-#include "platform/api/platform_flags.h"
 #include "platform/api/wireless_types.h"
 #include "scan/scanner_utils.h"
 
@@ -19,7 +18,8 @@ QString csvField(const QString& text)
     return u'"' + quoted + u'"';
 }
 
-QString gpsRow(const GpsFix& fix, const std::optional<platform::InterfaceSnapshot>& link)
+QString gpsRow(const GpsFix& fix, const std::optional<platform::InterfaceSnapshot>& link,
+               core::InterfaceGeneration generation)
 {
     const QString time = ScannerUtils::formatDate(QStringLiteral("MM-dd-YYYY hh:mm:ss"), fix.date);
     const QString bssid = link ? csvField(link->bssid) : QString();
@@ -27,7 +27,7 @@ QString gpsRow(const GpsFix& fix, const std::optional<platform::InterfaceSnapsho
     const QString position = QString::asprintf("%3.5f,%3.5f,%3.1f", fix.latitude, fix.longitude, fix.altitude);
 
     QString rssi, noise, channel;
-    if (platform::isOSSnowLeopard()) {
+    if (core::isOSSnowLeopard(generation)) {
         // The oldest generation hands over number objects: absent values give empty columns.
         if (link) {
             rssi = QString::number(link->rssiValue);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/interface_generation.h"
+
 #include <QDateTime>
 #include <QString>
 
@@ -22,7 +24,8 @@ struct GpsFix {
 
 // Without a snapshot (no interface) the link columns stay empty or zero, as the platform
 // generation's format gives them. Follows the platform generation flag.
-QString gpsRow(const GpsFix& fix, const std::optional<platform::InterfaceSnapshot>& link);
+QString gpsRow(const GpsFix& fix, const std::optional<platform::InterfaceSnapshot>& link,
+               core::InterfaceGeneration generation);
 
 // A field quoted the CSV way when it holds a separator, a quote or a line break, so a network
 // name from the air cannot shift the columns or split the row.

@@ -9,8 +9,9 @@
 namespace sensor {
 
 SensorListenerController::SensorListenerController(std::shared_ptr<platform::WirelessInterface> currentInterface,
-                                                   QObject* parent)
-    : QObject(parent), currentInterface_(std::move(currentInterface))
+                                                   std::optional<core::InterfaceGeneration> generation, QObject* parent)
+    : QObject(parent), currentInterface_(std::move(currentInterface)),
+      generation_(generation.value_or(currentInterface_ ? currentInterface_->generation() : core::InterfaceGeneration::Later))
 {
     initializeSocket();
 }
@@ -217,7 +218,7 @@ void SensorListenerController::handleGPS(double latitude, double longitude, doub
     std::optional<platform::InterfaceSnapshot> link;
     if (currentInterface_)
         link = currentInterface_->snapshot();
-    writeLog(gpsRow(GpsFix{latitude, longitude, altitude, date}, link));
+    writeLog(gpsRow(GpsFix{latitude, longitude, altitude, date}, link, generation_));
 }
 
 // The phone sends these readings too; no row records them.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/interface_generation.h"
+
 #include <QDateTime>
 #include <QObject>
 #include <QPointer>
@@ -27,8 +29,10 @@ public:
     static constexpr int TCPListenerType = 0;
     static constexpr int UDPListenerType = 1;
 
-    // A null interface gives GPS rows without link values.
+    // A null interface gives GPS rows without link values; generation decides how those read
+    // (the interface's own when there is one).
     explicit SensorListenerController(std::shared_ptr<platform::WirelessInterface> currentInterface,
+                                      std::optional<core::InterfaceGeneration> generation = std::nullopt,
                                       QObject* parent = nullptr);
     ~SensorListenerController() override;
 
@@ -100,6 +104,7 @@ private:
     void tcpServerDidStop();
 
     std::shared_ptr<platform::WirelessInterface> currentInterface_;
+    core::InterfaceGeneration generation_;
     std::unique_ptr<UdpLineSocket> socket_;
     QPointer<GCDSensorLoggerTCPServer> gcdSensorLoggerTCPServer_;
     int port_ = 0;

@@ -5,7 +5,7 @@
 namespace sensor {
 
 SensorLogSaver::SensorLogSaver(SensorLogFile& file, SettingReader settings, QObject* parent)
-    : QObject(parent), file_(file), settings_(settings ? std::move(settings) : &ScannerUtils::getUserSettingForKey)
+    : QObject(parent), file_(file), settings_(std::move(settings))
 {
 }
 

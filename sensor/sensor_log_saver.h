@@ -22,9 +22,8 @@ class SensorLogSaver : public QObject {
 public:
     using SettingReader = std::function<QVariant(const QString& key)>;
 
-    // settings reads udp_log_file_path at every save and the period at every start; the user's
-    // settings store when not given.
-    explicit SensorLogSaver(SensorLogFile& file, SettingReader settings = {}, QObject* parent = nullptr);
+    // settings reads udp_log_file_path at every save and the period at every start.
+    SensorLogSaver(SensorLogFile& file, SettingReader settings, QObject* parent = nullptr);
     ~SensorLogSaver() override;
 
     // Starts saving at the period the settings give; a running save thread is replaced, so

@@ -1,6 +1,7 @@
 #include "app/cli/decode_command.h"
 
 #include "app/cli/json_writer.h"
+#include "core/memory_settings.h"
 #include "platform/capture/capture_reader.h"
 #include "scan/record_builder.h"
 #include "scan/scan_result_derivation.h"
@@ -20,7 +21,10 @@ void reportFailure(std::FILE* err, const QString& path, const QString& reason)
 void writeFrame(JsonWriter& json, std::int64_t frameNumber, const RawBssFacts& facts, const QDateTime& seen)
 {
     const auto network = std::make_shared<const platform::ScanResult>(deriveScanResult(facts));
-    ScanedResultInfo record = buildRecord(observationFromScanResult(*network, seen), network);
+        // Decoding reads nothing of the user's: no tags, no stored names.
+    static const core::MemorySettings noUserSettings;
+    ScanedResultInfo record = buildRecord(observationFromScanResult(*network, seen, core::InterfaceGeneration::Later),
+                                          network, core::InterfaceGeneration::Later, noUserSettings);
     // Fills the rate list with the HT/VHT rates before it is printed.
     const QString maxDataRate = record.getMaxDataRate();
 

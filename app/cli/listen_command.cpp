@@ -148,7 +148,7 @@ QString listenUsage()
         "                        udp_log_file_path setting) every SECONDS (default: the setting, else 5)\n");
 }
 
-int runListen(const ListenRequest& request, std::FILE* out, std::FILE* err)
+int runListen(const ListenRequest& request, const core::UserSettings& settings, std::FILE* out, std::FILE* err)
 {
     const std::optional<app::Backend> backend = openBackend(request.backend, err);
     if (!backend)
@@ -157,12 +157,12 @@ int runListen(const ListenRequest& request, std::FILE* out, std::FILE* err)
     sensor::SensorLog log;
     sensor::SensorLogFile file(log, sensor::SensorLogFile::logFileNameForLaunch(QDateTime::currentDateTime()));
     // The command line overrides the settings for this run without changing them.
-    sensor::SensorLogSaver saver(file, [request](const QString& key) -> QVariant {
+    sensor::SensorLogSaver saver(file, [request, &settings](const QString& key) -> QVariant {
         if (key == QLatin1String(sensor::SensorLogFile::folderSettingKey) && !request.logDir.isEmpty())
             return request.logDir;
         if (key == QLatin1String(sensor::SensorLogFile::savePeriodSettingKey) && request.saveIntervalSeconds)
             return *request.saveIntervalSeconds;
-        return ScannerUtils::getUserSettingForKey(key);
+        return settings.value(key);
     });
     sensor::SensorListenerController controller(backend->interface);
     controller.setPort(request.port);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/backend/backend_chooser.h"
+#include "core/user_settings.h"
 
 #include <QString>
 #include <QStringList>
@@ -26,6 +27,6 @@ QString listenUsage();
 
 // Runs until SIGINT or SIGTERM, saves the log and returns 0; 1 when the backend or the
 // listener cannot start. Log lines go to out, status lines and console messages to err.
-int runListen(const ListenRequest& request, std::FILE* out, std::FILE* err);
+int runListen(const ListenRequest& request, const core::UserSettings& settings, std::FILE* out, std::FILE* err);
 
 } // namespace cli

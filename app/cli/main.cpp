@@ -4,6 +4,7 @@
 #include "app/cli/scan_command.h"
 #include "app/cli/sensor_send_command.h"
 #include "app/cli/tool_command.h"
+#include "app/settings/settings_store.h"
 
 #include <QCoreApplication>
 #include <QStringList>
@@ -64,7 +65,9 @@ int main(int argc, char* argv[])
             std::fprintf(stderr, "skyvane-cli: %s\n", error.toUtf8().constData());
             return 2;
         }
-        return cli::runListen(*listen, stdout, stderr);
+        SettingsStore settings;
+        settings.setupDefaults();
+        return cli::runListen(*listen, settings, stdout, stderr);
     }
     if (command == u"scan") {
         const auto scan = cli::parseScanArguments(arguments, &error);
@@ -73,7 +76,9 @@ int main(int argc, char* argv[])
             std::fprintf(stderr, "\nskyvane-cli: %s\n", error.toUtf8().constData());
             return 2;
         }
-        return cli::runScan(*scan, stdout, stderr);
+        SettingsStore settings;
+        settings.setupDefaults();
+        return cli::runScan(*scan, settings, stdout, stderr);
     }
     const auto request = cli::parseToolArguments(arguments, &error);
     if (!request) {

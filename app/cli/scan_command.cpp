@@ -4,16 +4,14 @@
 
 #include "app/cli/json_writer.h"
 #include "app/cli/scan_output.h"
-#include "app/settings/settings_store.h"
+#include "core/settings_overlay.h"
 #include "scanning/scan_database.h"
 #include "scanning/scan_test_driver.h"
 #include "scanning/timer_source.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
-#include <QFile>
 #include <QSocketNotifier>
-#include <QTemporaryDir>
 #include <QTimer>
 
 #include <csignal>
@@ -40,27 +38,6 @@ QStringList backendArguments(const app::BackendOptions& backend)
         arguments << QStringLiteral("--capture") << backend.captureFile;
     return arguments;
 }
-
-// The run's own copy of the user's settings, so --merge (and the counts a scan records)
-// leave the desktop's choices alone.
-class SessionSettings {
-public:
-    explicit SessionSettings(bool merge)
-    {
-        const QString copy = dir_.filePath(QStringLiteral("skyvane.conf"));
-        QFile::copy(SettingsStore::shared().fileName(), copy);
-        auto store = std::make_unique<SettingsStore>(copy);
-        store->setupDefaults();
-        store->setUserSetting(merge ? 1 : 0, QStringLiteral("mergeScanResults"));
-        SettingsStore::setShared(std::move(store));
-    }
-    ~SessionSettings() { SettingsStore::setShared(nullptr); }
-    SessionSettings(const SessionSettings&) = delete;
-    SessionSettings& operator=(const SessionSettings&) = delete;
-
-private:
-    QTemporaryDir dir_;
-};
 
 int stopPipe[2] = {-1, -1};
 
@@ -106,13 +83,14 @@ private:
     std::unique_ptr<QSocketNotifier> notifier_;
 };
 
-int exportTest(const ScanRequest& request, const ScanTestDriver& driver, std::FILE* err)
+int exportTest(const ScanRequest& request, const ScanTestDriver& driver, const core::UserSettings& settings,
+               std::FILE* err)
 {
     QList<WiFiScanTest*> tests;
     for (const auto& test : driver.wifiScanTestArray())
         tests << test.get();
     platform::SystemClock clock;
-    const ScanExporter::Result result = ScanExporter(clock).startExporting(
+    const ScanExporter::Result result = ScanExporter(clock, settings).startExporting(
         *request.exportKind, ScanExporter::destinationPath(request.exportFile), tests,
         tests.isEmpty() ? nullptr : tests.first());
     if (!result.statusText.isEmpty())
@@ -128,13 +106,14 @@ int exportTest(const ScanRequest& request, const ScanTestDriver& driver, std::FI
 
 } // namespace
 
-int runScan(const ScanRequest& request, std::FILE* out, std::FILE* err)
+int runScan(const ScanRequest& request, core::UserSettings& userSettings, std::FILE* out, std::FILE* err)
 {
     const std::optional<app::Backend> backend = openBackend(request.backend, err);
     if (!backend)
         return 1;
 
-    const SessionSettings settings(request.merge);
+    // --merge is this run's choice: it stays in memory and leaves the desktop's setting alone.
+    core::SettingsOverlay settings(userSettings, {{QStringLiteral("mergeScanResults"), request.merge ? 1 : 0}});
     ScanDatabase database(request.databasePath);
     if (!database.isOpen()) {
         writeText(err, QStringLiteral("skyvane-cli: the scan database %1 cannot be opened\n").arg(database.path()));
@@ -144,7 +123,7 @@ int runScan(const ScanRequest& request, std::FILE* out, std::FILE* err)
     platform::SystemClock clock;
     QtTimerSource timers(clock);
     platform::ShellCommandRunner commands;
-    ScanTestDriver driver(backend->interface, database, timers, commands, QCoreApplication::applicationFilePath(),
+    ScanTestDriver driver(backend->interface, database, settings, timers, commands, QCoreApplication::applicationFilePath(),
                           backendArguments(request.backend));
     driver.setRefreshIntervalSeconds(request.intervalSeconds);
     driver.setFilterCriteria(request.filter.filterCriteria);
@@ -207,7 +186,7 @@ int runScan(const ScanRequest& request, std::FILE* out, std::FILE* err)
     loop.exec();
     driver.waitForBackgroundWork();
 
-    return request.exportKind ? exportTest(request, driver, err) : 0;
+    return request.exportKind ? exportTest(request, driver, settings, err) : 0;
 }
 
 } // namespace cli

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/backend/backend_chooser.h"
+#include "core/user_settings.h"
 #include "scanning/exporter.h"
 #include "scanning/filter_criteria.h"
 
@@ -33,6 +34,6 @@ std::optional<ScanRequest> parseScanArguments(const QStringList& arguments, QStr
 QString scanUsage();
 
 // Exit status 0; 1 when the backend or the database could not be set up or the export failed.
-int runScan(const ScanRequest& request, std::FILE* out, std::FILE* err);
+int runScan(const ScanRequest& request, core::UserSettings& settings, std::FILE* out, std::FILE* err);
 
 } // namespace cli

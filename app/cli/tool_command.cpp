@@ -142,7 +142,7 @@ int runToolRequest(const ToolRequest& request, std::FILE* out, std::FILE* err)
 
     switch (request.action) {
     case ToolAction::LinkReport:
-        writeText(out, linkReport(backend->interface->snapshot()));
+        writeText(out, linkReport(backend->interface->snapshot(), backend->interface->generation()));
         return 0;
     case ToolAction::Watch:
         return runWatch(request, *backend, out, err);
@@ -154,7 +154,7 @@ int runToolRequest(const ToolRequest& request, std::FILE* out, std::FILE* err)
     if (reportScanError(heard, err))
         return 1;
     if (request.action == ToolAction::ScanPropertyList)
-        writeText(out, scanPropertyList(heard.networks));
+        writeText(out, scanPropertyList(heard.networks, backend->interface->generation()));
     else
         writeText(out, scanListing(heard.networks));
     return 0;

@@ -118,7 +118,7 @@ private:
     QXmlStreamWriter xml_;
 };
 
-void writeNetwork(PlistWriter& plist, const platform::ScanResult& network)
+void writeNetwork(PlistWriter& plist, const platform::ScanResult& network, core::InterfaceGeneration generation)
 {
     plist.xml().writeStartElement(QStringLiteral("dict"));
     plist.string(QStringLiteral("SSID_STR"), network.ssid);
@@ -137,7 +137,7 @@ void writeNetwork(PlistWriter& plist, const platform::ScanResult& network)
     plist.boolean(QStringLiteral("SECURED"), network.secured);
     plist.boolean(QStringLiteral("IBSS"), network.ibss);
     plist.integer(QStringLiteral("BEACON_INT"), network.beaconInterval);
-    plist.string(QStringLiteral("PHY_MODES"), ScannerUtils::getSupportedPHYModeString(network));
+    plist.string(QStringLiteral("PHY_MODES"), ScannerUtils::getSupportedPHYModeString(network, generation));
     plist.data(QStringLiteral("IE"), network.informationElementData);
     plist.xml().writeEndElement();
 }
@@ -171,7 +171,7 @@ QString scanListing(const QList<platform::ScanResult>& networks)
     return text;
 }
 
-QByteArray scanPropertyList(const QList<platform::ScanResult>& networks)
+QByteArray scanPropertyList(const QList<platform::ScanResult>& networks, core::InterfaceGeneration generation)
 {
     QByteArray out;
     PlistWriter plist(&out);
@@ -185,12 +185,12 @@ QByteArray scanPropertyList(const QList<platform::ScanResult>& networks)
     xml.writeAttribute(QStringLiteral("version"), QStringLiteral("1.0"));
     xml.writeStartElement(QStringLiteral("array"));
     for (const platform::ScanResult& network : networks)
-        writeNetwork(plist, network);
+        writeNetwork(plist, network, generation);
     xml.writeEndDocument();
     return out;
 }
 
-QString linkReport(const platform::InterfaceSnapshot& snapshot)
+QString linkReport(const platform::InterfaceSnapshot& snapshot, core::InterfaceGeneration generation)
 {
     QList<std::pair<QString, QString>> lines{
         {QStringLiteral("agrCtlRSSI"), QString::number(snapshot.rssiValue)},
@@ -201,7 +201,7 @@ QString linkReport(const platform::InterfaceSnapshot& snapshot)
         {QStringLiteral("op mode"), modeText(snapshot.interfaceMode)},
         {QStringLiteral("lastTxRate"), QString::number(snapshot.transmitRate)},
         {QStringLiteral("txPower"), QString::number(snapshot.transmitPower)},
-        {QStringLiteral("link auth"), ScannerUtils::stringForSecurityMode(snapshot.security)},
+        {QStringLiteral("link auth"), ScannerUtils::stringForSecurityMode(snapshot.security, generation)},
         {QStringLiteral("BSSID"), snapshot.bssid.isEmpty() ? QString() : ScannerUtils::normalizeMAC(snapshot.bssid)},
         {QStringLiteral("SSID"), printable(snapshot.ssid)},
     };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/interface_generation.h"
 #include "platform/api/wireless_types.h"
 
 #include <QByteArray>
@@ -19,10 +20,11 @@ QString scanListingLine(const platform::ScanResult& network);
 // The heading, then one line per network; every line ends in a newline.
 QString scanListing(const QList<platform::ScanResult>& networks);
 
-// An XML property list: an array with one dictionary per network.
-QByteArray scanPropertyList(const QList<platform::ScanResult>& networks);
+// An XML property list: an array with one dictionary per network; PHY modes are named as the
+// backend's interface generation names them.
+QByteArray scanPropertyList(const QList<platform::ScanResult>& networks, core::InterfaceGeneration generation);
 
 // One right-aligned "key: value" line per fact of the current link.
-QString linkReport(const platform::InterfaceSnapshot& snapshot);
+QString linkReport(const platform::InterfaceSnapshot& snapshot, core::InterfaceGeneration generation);
 
 } // namespace cli

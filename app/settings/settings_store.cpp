@@ -16,9 +16,6 @@
 
 namespace {
 
-std::mutex sharedMutex;
-std::unique_ptr<SettingsStore> sharedStore;
-
 // Nesting deeper than this is not a settings file but an attack on the stack.
 constexpr int maxPlistDepth = 32;
 
@@ -156,22 +153,6 @@ SettingsStore::SettingsStore(const QString& configFile, QObject* parent)
 
 SettingsStore::~SettingsStore() = default;
 
-SettingsStore& SettingsStore::shared()
-{
-    std::lock_guard lock(sharedMutex);
-    if (!sharedStore) {
-        sharedStore = std::make_unique<SettingsStore>();
-        sharedStore->setupDefaults();
-    }
-    return *sharedStore;
-}
-
-void SettingsStore::setShared(std::unique_ptr<SettingsStore> store)
-{
-    std::lock_guard lock(sharedMutex);
-    sharedStore = std::move(store);
-}
-
 bool SettingsStore::setupDefaults(const QString& plistPath)
 {
     const QString path = plistPath.isEmpty() ? defaultsResourcePath() : plistPath;
@@ -212,7 +193,7 @@ QVariantMap SettingsStore::registeredDefaults() const
     return defaults_;
 }
 
-QVariant SettingsStore::getUserSettingForKey(const QString& key) const
+QVariant SettingsStore::value(const QString& key) const
 {
     if (key.isEmpty()) {
         return {};
@@ -224,7 +205,7 @@ QVariant SettingsStore::getUserSettingForKey(const QString& key) const
     return defaults_.value(key);
 }
 
-void SettingsStore::setUserSetting(const QVariant& value, const QString& key)
+void SettingsStore::setValue(const QString& key, const QVariant& value)
 {
     if (key.isEmpty() || !value.isValid() || value.isNull()) {
         return;
@@ -233,7 +214,7 @@ void SettingsStore::setUserSetting(const QVariant& value, const QString& key)
     {
         std::lock_guard lock(mutex_);
         if (store_) {
-            // Decoding writes the same AP name for every beacon it sees; only a change costs a write.
+            // Scans save the same AP names and counts again and again; only a change costs a write.
             if (store_->value(key) == value && store_->status() == QSettings::NoError) {
                 return;
             }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/user_settings.h"
+
 #include <QObject>
 #include <QString>
 #include <QVariant>
@@ -13,7 +15,7 @@ class QSettings;
 // The user's settings: a per-user store under the XDG config location, layered over the
 // registered defaults that ship as a property-list resource. Failures never stop the program;
 // reads fall back to nothing and writes report through saveFailed().
-class SettingsStore : public QObject {
+class SettingsStore : public QObject, public core::UserSettings {
     Q_OBJECT
 public:
     static constexpr const char* applicationId = "org.skyvane.Skyvane";
@@ -24,11 +26,6 @@ public:
     explicit SettingsStore(const QString& configFile = QString(), QObject* parent = nullptr);
     ~SettingsStore() override;
 
-    // The process-wide store used by ScannerUtils and the controllers.
-    static SettingsStore& shared();
-    // Replaces the process-wide store (tests point it at a temporary file); nullptr restores the default.
-    static void setShared(std::unique_ptr<SettingsStore> store);
-
     // Loads "<applicationId>-default-values.plist" from the resources, or the given file, and
     // registers it as the defaults layer. A missing or unreadable file keeps the built-in
     // fallbacks and logs why. Returns whether the file was read.
@@ -37,9 +34,9 @@ public:
     QVariantMap registeredDefaults() const;
 
     // The stored value, else the registered default, else a null QVariant.
-    QVariant getUserSettingForKey(const QString& key) const;
+    QVariant value(const QString& key) const override;
     // Stores and writes through to disk at once; does nothing for an empty key or a null value.
-    void setUserSetting(const QVariant& value, const QString& key);
+    void setValue(const QString& key, const QVariant& value) override;
     void removeUserSetting(const QString& key);
 
     bool isAvailable() const;

@@ -1,6 +1,5 @@
 #include "platform/api/scan_result.h"
 
-#include "platform/api/platform_flags.h"
 
 namespace platform {
 namespace {
@@ -33,12 +32,6 @@ bool ScanResult::supportsPHYMode(int code, core::InterfaceGeneration generation)
 {
     const std::uint32_t bit = bitForCode(code, generation);
     return bit != 0 && (phyModes & bit) != 0;
-}
-
-bool ScanResult::supportsPHYMode(int code) const
-{
-    return supportsPHYMode(code, isOSSnowLeopard() ? core::InterfaceGeneration::OldestRelease
-                                                   : core::InterfaceGeneration::Later);
 }
 
 } // namespace platform

@@ -58,7 +58,6 @@ struct ScanResult {
 
     // Answers for a PHY-mode code as the given interface generation numbers them.
     bool supportsPHYMode(int code, core::InterfaceGeneration generation) const;
-    bool supportsPHYMode(int code) const;
     // The element bytes as the oldest interface generation names them; same bytes.
     const QByteArray& ieData() const { return informationElementData; }
 };

@@ -1,9 +1,8 @@
-#include "app/settings/settings_store.h"
+#include "core/memory_settings.h"
 #include "scan/scaned_result_info.h"
 #include "scan/scanner_utils.h"
 #include "scan/value_transformers.h"
 
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -42,17 +41,14 @@ class RecordExportTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(dir_.isValid());
-        SettingsStore::setShared(std::make_unique<SettingsStore>(dir_.filePath(QStringLiteral("settings.conf"))));
         showColumns(allColumns);
     }
-    void TearDown() override { SettingsStore::setShared(nullptr); }
 
     // Bit i shows the column of visibilityKeys[i].
-    static void showColumns(std::uint32_t mask)
+    void showColumns(std::uint32_t mask)
     {
         for (const char* key : visibilityKeys) {
-            ScannerUtils::setUserSetting(mask & 1u, QLatin1String(key));
+            settings_.setValue(QLatin1String(key), mask & 1u);
             mask >>= 1;
         }
     }
@@ -83,7 +79,7 @@ protected:
         return r;
     }
 
-    QTemporaryDir dir_;
+    core::MemorySettings settings_;
 };
 
 } // namespace
@@ -92,11 +88,11 @@ TEST_F(RecordExportTest, CsvRowCarriesEveryColumnInTheTableFormats)
 {
     showColumns(0);
     ScanedResultInfo r = sample("csv");
-    EXPECT_EQ(r.toString(),
+    EXPECT_EQ(r.toString(settings_),
               QStringLiteral("\"lab\",AA:BB:CC:00:00:01,desk,\"Acme Corp\",\"6,-1\",40 MHz,2.4 GHz,-50 dBm,-92 dBm,42 dB,"
                              "b/g/n,,54.0 Mbps,\"WPA2 Personal\",CCMP,,,,N/A,0%,N/A,N/A,No,,2024-05-06 07:08:09,\n"));
-    EXPECT_EQ(csvCells(r.getHeader()).size(), csvCells(r.toString()).size() + 1);  // + the test name
-    EXPECT_TRUE(r.getHeader().contains(QLatin1String("\"GCDE\"")));
+    EXPECT_EQ(csvCells(r.getHeader(settings_)).size(), csvCells(r.toString(settings_)).size() + 1);  // + the test name
+    EXPECT_TRUE(r.getHeader(settings_).contains(QLatin1String("\"GCDE\"")));
 
     struct Case { std::int64_t offset; double band; const char* cells; };
     const Case cases[] = {{0, 5.0, ",36,40 MHz,5 GHz,"}, {1, 5.0, ",\"36,+1\",40 MHz,5 GHz,"}, {-7, 2.4, ",\"36,-7\",40 MHz,2.4 GHz,"}};
@@ -104,7 +100,7 @@ TEST_F(RecordExportTest, CsvRowCarriesEveryColumnInTheTableFormats)
         r.originalChannel = 36;
         r.channelOffset = c.offset;
         r.channelBond = c.band;
-        EXPECT_TRUE(r.toString().contains(QLatin1String(c.cells))) << r.toString().toStdString();
+        EXPECT_TRUE(r.toString(settings_).contains(QLatin1String(c.cells))) << r.toString(settings_).toStdString();
     }
 }
 
@@ -113,14 +109,14 @@ TEST_F(RecordExportTest, HtmlOmitsHiddenColumnsAndHeadingAgreesWithRow)
     for (const std::uint32_t visible : {allColumns, 0u, 0x155555u, 0x092492u, 0x004000u}) {
         showColumns(visible);
         ScanedResultInfo r = sample("html");
-        const QString header = r.getHeader();
-        const QString row = r.toString();
+        const QString header = r.getHeader(settings_);
+        const QString row = r.toString(settings_);
         EXPECT_TRUE(header.startsWith(QLatin1String("<thead><tr><th>SSID</th>")) && header.endsWith(QLatin1String("</thead>\n")));
         EXPECT_EQ(header.count(QLatin1String("<th>")), row.count(QLatin1String("<td>"))) << row.toStdString();
         EXPECT_EQ(row.contains(QLatin1String("<td>N/A</td>")), (visible & 0x34000u) != 0);
     }
     showColumns(0);
-    EXPECT_EQ(sample("html").toString(), QStringLiteral("<td>lab</td><td>AA:BB:CC:00:00:01</td>"));
+    EXPECT_EQ(sample("html").toString(settings_), QStringLiteral("<td>lab</td><td>AA:BB:CC:00:00:01</td>"));
 }
 
 TEST_F(RecordExportTest, HostileTextsCannotBreakOutOfTheirCells)
@@ -138,14 +134,14 @@ TEST_F(RecordExportTest, HostileTextsCannotBreakOutOfTheirCells)
         r.ssid = QString::fromUtf8(c.ssid);
         r.apname = QString::fromUtf8(c.apname);
         r.bssidTag = QString::fromUtf8(c.apname);
-        const QStringList cells = csvCells(r.toString());
+        const QStringList cells = csvCells(r.toString(settings_));
         ASSERT_EQ(cells.size(), 25) << c.ssid;
         EXPECT_EQ(cells.at(0), QString::fromUtf8(c.ssidCell));
         EXPECT_EQ(cells.at(2), QString::fromUtf8(c.apnameCell));
         EXPECT_EQ(cells.at(17), QString::fromUtf8(c.apnameCell));
 
         r.exportType = QStringLiteral("html");
-        const QString html = r.toString();
+        const QString html = r.toString(settings_);
         EXPECT_TRUE(html.startsWith(QLatin1String("<td>") + QString::fromUtf8(c.ssid).toHtmlEscaped() + QLatin1String("</td>")));
         EXPECT_FALSE(html.contains(QLatin1String("<script>")) || html.contains(QLatin1String("a&b")));
     }

@@ -1,5 +1,4 @@
-#include "app/settings/settings_store.h"
-#include "platform/api/platform_flags.h"
+#include "core/memory_settings.h"
 #include "scan/record_builder.h"
 #include "scan/scanner_utils.h"
 
@@ -31,14 +30,12 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(dir_.isValid());
-        SettingsStore::setShared(std::make_unique<SettingsStore>(dir_.filePath(QStringLiteral("settings.conf"))));
         QFile oui(dir_.filePath(QStringLiteral("oui.txt")));
         ASSERT_TRUE(oui.open(QIODevice::WriteOnly));
         oui.write("AA:BB:CC\tAcme Corp # test vendor\n");
         oui.close();
         ScannerUtils::loadOuiFrom(oui.fileName());
     }
-    void TearDown() override { SettingsStore::setShared(nullptr); }
 
     static StoredObservation row(double band, int rssi, int noise, const char* phy = "a/n/ac")
     {
@@ -63,6 +60,7 @@ protected:
     }
 
     QTemporaryDir dir_;
+    core::MemorySettings settings_;
 };
 
 } // namespace
@@ -73,7 +71,7 @@ TEST_F(RecordBuilderTest, NoiseDefaultsToTheBandFloorAndSnrNeverGoesNegative)
     const Case cases[] = {{5.0, -60, 0, -94, 34}, {2.4, -60, 0, -92, 32}, {0.0, -60, 0, -92, 32},
                           {5.0, -60, -90, -90, 30}, {2.4, -95, 0, -92, 0}, {3.0, -60, 0, 0, 0}};
     for (const Case& c : cases) {
-        const ScanedResultInfo record = buildRecord(row(c.band, c.rssi, c.noise), nullptr);
+        const ScanedResultInfo record = buildRecord(row(c.band, c.rssi, c.noise), nullptr, core::InterfaceGeneration::Later, settings_);
         EXPECT_EQ(record.noise, c.expectedNoise) << c.band << " " << c.noise;
         EXPECT_EQ(record.singnalToNoise, c.expectedSnr) << c.band << " " << c.rssi;
     }
@@ -98,22 +96,23 @@ TEST_F(RecordBuilderTest, WidthOffsetAndStreamsOnBothInterfaceGenerations)
     };
     const QHash<QString, QString> texts{{bssid, QStringLiteral("from the listing")}};
     for (const Case& c : cases) {
-        const platform::ScopedOSSnowLeopard generation(c.oldest);
-        const ScanedResultInfo record = buildRecord(row(5.0, -50, -90, c.phy), network(c.elements, c.code), &texts);
+        const auto generation = c.oldest ? core::InterfaceGeneration::OldestRelease : core::InterfaceGeneration::Later;
+        const ScanedResultInfo record =
+            buildRecord(row(5.0, -50, -90, c.phy), network(c.elements, c.code), generation, settings_, &texts);
         const std::string label = c.elements.toHex().toStdString() + " " + c.phy + (c.oldest ? " oldest" : "");
         EXPECT_EQ(record.channelWidth, c.width) << label;
         EXPECT_EQ(record.channelOffset, c.offset) << label;
         EXPECT_EQ(record.numberOfStreams, c.streams) << label;
         EXPECT_EQ(record.cc, c.oldest ? QStringLiteral("N/A") : QStringLiteral("DE"));
-        EXPECT_EQ(record.securityModeString, c.oldest ? ScannerUtils::stringForSecurityMode(3) : texts.value(bssid));
+        EXPECT_EQ(record.securityModeString, c.oldest ? ScannerUtils::stringForSecurityMode(3, generation) : texts.value(bssid));
     }
 }
 
 TEST_F(RecordBuilderTest, IdentityVendorTagAndChannelText)
 {
-    ScannerUtils::setUserSetting(QStringLiteral("Office"), bssid);
+    settings_.setValue(bssid, QStringLiteral("Office"));
     StoredObservation r = row(5.0, -50, -90);
-    ScanedResultInfo record = buildRecord(r, nullptr);
+    ScanedResultInfo record = buildRecord(r, nullptr, core::InterfaceGeneration::Later, settings_);
     EXPECT_EQ(record.channel, QStringLiteral("36"));
     EXPECT_EQ(record.vendorName, QStringLiteral("Acme Corp"));
     EXPECT_EQ(record.bssidTag, QStringLiteral("Office"));
@@ -124,7 +123,7 @@ TEST_F(RecordBuilderTest, IdentityVendorTagAndChannelText)
 
     r.bssid = QStringLiteral("11:22:33:44:55:66");
     r.channel = QStringLiteral("36,+1");
-    record = buildRecord(r, nullptr);
+    record = buildRecord(r, nullptr, core::InterfaceGeneration::Later, settings_);
     EXPECT_EQ(record.channel, QStringLiteral("36,+1"));
     EXPECT_EQ(record.vendorName, QStringLiteral("Unknown"));
     EXPECT_EQ(record.bssidTag, QStringLiteral(""));

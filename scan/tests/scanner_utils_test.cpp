@@ -1,6 +1,6 @@
 #include "scan/scanner_utils.h"
 
-#include "platform/api/platform_flags.h"
+#include "core/interface_generation.h"
 #include "platform/api/scan_result.h"
 #include "scan/number_format.h"
 #include "scan/oui_map.h"
@@ -95,13 +95,13 @@ struct ModeRow {
     const char* current;
 };
 
-void expectRows(QString (*function)(int), std::initializer_list<ModeRow> rows)
+void expectRows(QString (*function)(int, core::InterfaceGeneration), std::initializer_list<ModeRow> rows)
 {
     for (const bool oldest : {true, false}) {
-        platform::ScopedOSSnowLeopard generation(oldest);
+        const auto generation = oldest ? core::InterfaceGeneration::OldestRelease : core::InterfaceGeneration::Later;
         for (const ModeRow& row : rows) {
             const char* expected = oldest ? row.older : row.current;
-            const QString text = function(row.code);
+            const QString text = function(row.code, generation);
             EXPECT_EQ(text.isNull(), expected == nullptr) << row.code << " oldest=" << oldest;
             EXPECT_EQ(text, latin1(expected)) << row.code << " oldest=" << oldest;
         }
@@ -122,7 +122,6 @@ TEST(ScannerUtilsModes, BothGenerationsOfEveryTable)
             {10, nullptr, "Enterprise"}, {11, nullptr, "Unknown"}, {-2, nullptr, "Unknown"}});
 
     // Names keep the oldest generation's numbering even under the current one.
-    platform::ScopedOSSnowLeopard current(false);
     EXPECT_EQ(ScannerUtils::securityModeForString(QStringLiteral("WPA2 Personal")), 3);
     EXPECT_EQ(ScannerUtils::securityModeForString(QStringLiteral("wep")), 0);
 }
@@ -136,13 +135,13 @@ TEST(ScannerUtilsModes, SupportedPhyModesJoinedPerGeneration)
         ScanResult network;
         network.phyModes = c.modes;
         for (const bool oldest : {true, false}) {
-            ScopedOSSnowLeopard generation(oldest);
-            EXPECT_EQ(ScannerUtils::getSupportedPHYModeString(network), latin1(oldest ? c.older : c.current))
+            const auto generation = oldest ? core::InterfaceGeneration::OldestRelease : core::InterfaceGeneration::Later;
+            EXPECT_EQ(ScannerUtils::getSupportedPHYModeString(network, generation), latin1(oldest ? c.older : c.current))
                 << c.modes << " oldest=" << oldest;
         }
     }
     // A network with no known mode is stored and printed as "", never as a missing value.
-    EXPECT_FALSE(ScannerUtils::getSupportedPHYModeString(ScanResult{}).isNull());
+    EXPECT_FALSE(ScannerUtils::getSupportedPHYModeString(ScanResult{}, core::InterfaceGeneration::Later).isNull());
 }
 
 TEST(ScannerUtilsNumbers, OneFractionDigitHalfEven)

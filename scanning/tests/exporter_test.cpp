@@ -1,6 +1,6 @@
+#include "core/memory_settings.h"
 #include "scanning/exporter.h"
 
-#include "app/settings/settings_store.h"
 #include "scan/scanner_utils.h"
 
 #include <QDir>
@@ -75,7 +75,6 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(dir_.isValid());
-        SettingsStore::setShared(std::make_unique<SettingsStore>(dir_.filePath(QStringLiteral("settings.conf"))));
         empty_.testLabel = QStringLiteral("Empty");
         office_.testLabel = QStringLiteral("Office");
         office_.activeBSSID = QStringLiteral("00:11:22:33:44:02");
@@ -85,13 +84,13 @@ protected:
         lab_.activeBSSID = QStringLiteral("00:11:22:33:44:03");
         lab_.scanedData1 = {record(QStringLiteral("LabNet"), QStringLiteral("00:11:22:33:44:03"))};
     }
-    void TearDown() override { SettingsStore::setShared(nullptr); }
 
     QString path(const QString& name) const { return dir_.filePath(name); }
     QList<WiFiScanTest*> all() { return {&empty_, &office_, &lab_}; }
 
     QTemporaryDir dir_;
     platform::ManualClock clock_{exportTime};
+    core::MemorySettings settings_;
     WiFiScanTest empty_, office_, lab_;
 };
 
@@ -118,7 +117,7 @@ TEST_F(ExporterTest, NamesAndDestinationPaths)
 
 TEST_F(ExporterTest, CsvOfAllTestsHasOneHeadingEvenAfterAnEmptyTest)
 {
-    const ScanExporter exporter(clock_);
+    const ScanExporter exporter(clock_, settings_);
     const auto result = exporter.startExporting(ScanExporter::AllTestsCsv, path("all.csv"), all(), nullptr);
     ASSERT_EQ(result.writtenPath, path("all.csv"));
     const QString text = readUtf8(path("all.csv"));
@@ -133,16 +132,16 @@ TEST_F(ExporterTest, CsvOfAllTestsHasOneHeadingEvenAfterAnEmptyTest)
 
 TEST_F(ExporterTest, HtmlBodyMarksConnectedRowAndClosesEmptyTests)
 {
-    EXPECT_EQ(ScanExporter::htmlBody({&empty_}), QLatin1String("</table><br><br>"));
+    EXPECT_EQ(ScanExporter(clock_, settings_).htmlBody({&empty_}), QLatin1String("</table><br><br>"));
 
-    const QString body = ScanExporter::htmlBody(all());
+    const QString body = ScanExporter(clock_, settings_).htmlBody(all());
     EXPECT_TRUE(body.startsWith(QLatin1String("</table><br><br><center style='font-size:18px; color:#f37736;'>"
                                               "<strong> Office</strong></center><br><table><thead>")));
     EXPECT_EQ(body.count(QLatin1String("<tr class=connected><td>Home</td>")), 1);
     EXPECT_EQ(body.count(QLatin1String("<tr class=connected><td>LabNet</td>")), 1);
     EXPECT_EQ(body.count(QLatin1String("<tr><td>Guest</td>")), 1);
 
-    const ScanExporter exporter(clock_);
+    const ScanExporter exporter(clock_, settings_);
     for (const auto kind : {ScanExporter::SelectedTestHtml, ScanExporter::SelectedTestHtmlWithGraphs,
                             ScanExporter::AllTestsHtml}) {
         const auto result = exporter.startExporting(kind, path(QStringLiteral("r%1.html").arg(kind)), all(), &office_);
@@ -152,12 +151,12 @@ TEST_F(ExporterTest, HtmlBodyMarksConnectedRowAndClosesEmptyTests)
 
 TEST_F(ExporterTest, PageComesFromTheResourceOrTheFallbackTemplate)
 {
-    const QString page = ScanExporter(clock_).htmlPage(QStringLiteral("<p>{DATE}</p>"), exportTime);
+    const QString page = ScanExporter(clock_, settings_).htmlPage(QStringLiteral("<p>{DATE}</p>"), exportTime);
     EXPECT_TRUE(page.contains(QLatin1String("tr.connected")));
     EXPECT_TRUE(page.contains(QLatin1String("2024-03-09 14:05:07")));
     EXPECT_TRUE(page.contains(QLatin1String("<p>{DATE}</p>")));
 
-    const ScanExporter fallback(clock_, path(QStringLiteral("missing.html")));
+    const ScanExporter fallback(clock_, settings_, path(QStringLiteral("missing.html")));
     EXPECT_EQ(fallback.htmlPage(QStringLiteral("BODY"), exportTime),
               QLatin1String("<html><body><center><h1>Skyvane Export </h1></center></body><html><center><strong>"
                             "Export Date: </strong>2024-03-09 14:05:07</center><br>BODY"));
@@ -165,7 +164,7 @@ TEST_F(ExporterTest, PageComesFromTheResourceOrTheFallbackTemplate)
 
 TEST_F(ExporterTest, NothingWrittenWithoutSelectionOrWhenTheWriteFails)
 {
-    const ScanExporter exporter(clock_);
+    const ScanExporter exporter(clock_, settings_);
     for (const auto kind : {ScanExporter::SelectedTestCsv, ScanExporter::SelectedTestHtml,
                             ScanExporter::SelectedTestHtmlWithGraphs}) {
         const auto result = exporter.startExporting(kind, path(QStringLiteral("x")), all(), nullptr);
@@ -193,7 +192,7 @@ TEST_F(ExporterTest, NothingWrittenWithoutSelectionOrWhenTheWriteFails)
 
 TEST_F(ExporterTest, GraphReportGetsItsOwnFolderImagesAndBlocks)
 {
-    const ScanExporter exporter(clock_);
+    const ScanExporter exporter(clock_, settings_);
     const QString folder = path(QStringLiteral("skyvane-single-scan-report-20240309-14-05"));
 
     const auto bare = exporter.startExporting(ScanExporter::SelectedTestHtmlWithGraphs, path("g.html"), all(), &lab_);
@@ -230,11 +229,11 @@ TEST_F(ExporterTest, HostileNamesStayTextInBothFormats)
     for (qsizetype i = 0; i < hostile.size(); ++i)
         evil.scanedData1 << record(hostile[i], QStringLiteral("aa:00:00:00:00:0%1").arg(i), hostile[i]);
 
-    const ScanExporter exporter(clock_);
+    const ScanExporter exporter(clock_, settings_);
     exporter.startExporting(ScanExporter::SelectedTestHtml, path("evil.html"), {&evil}, &evil);
     const QString html = readUtf8(path("evil.html"));
     const QSet<QString> allowedTags = {"center", "strong", "br", "table", "thead", "tr", "th", "td"};
-    const QString body = ScanExporter::htmlBody({&evil});
+    const QString body = ScanExporter(clock_, settings_).htmlBody({&evil});
     static const QRegularExpression tag(QStringLiteral("</?([a-zA-Z0-9]+)[^>]*>"));
     for (auto it = tag.globalMatch(body); it.hasNext();) {
         const QString name = it.next().captured(1);

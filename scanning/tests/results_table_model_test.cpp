@@ -1,4 +1,4 @@
-#include "app/settings/settings_store.h"
+#include "core/memory_settings.h"
 #include "scan/scanner_utils.h"
 #include "scanning/graph_sink.h"
 #include "scanning/results_table_columns.h"
@@ -45,7 +45,6 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(dir_.isValid());
-        SettingsStore::setShared(std::make_unique<SettingsStore>(dir_.filePath(QStringLiteral("settings.conf"))));
         test_->scanedData1 = {record("A", "bravo", 11, "130", 20), record("B", "Alpha", 1, "54(B)", 35),
                               record("C", "charlie", 36, "9", 5), record("D", "Delta", 6, "", 50)};
         // "D" has no history yet: it has just appeared.
@@ -53,7 +52,6 @@ protected:
             test_->scanedResults.insert(QString::fromLatin1(bssid), {test_->scanedData1.front()});
         model_.setCurrentTest(test_);
     }
-    void TearDown() override { SettingsStore::setShared(nullptr); }
 
     QString order() const
     {
@@ -65,8 +63,9 @@ protected:
 
     QTemporaryDir dir_;
     RecordingGraph graph_;
+    core::MemorySettings settings_;
     std::shared_ptr<WiFiScanTest> test_ = std::make_shared<WiFiScanTest>();
-    ResultsTableModel model_{&graph_};
+    ResultsTableModel model_{settings_, &graph_};
 };
 
 TEST_F(ResultsTableModelTest, SortsEachColumnByItsKey)
@@ -157,7 +156,7 @@ TEST_F(ResultsTableModelTest, CopyRowWritesTheSelectedRowsAsCsvInTableOrder)
     ScanedResultInfo first = test_->scanedData1[0];
     ScanedResultInfo third = test_->scanedData1[2];
     first.exportType = third.exportType = QStringLiteral("csv");
-    EXPECT_EQ(model_.copyRow(), first.toString() + "\n" + third.toString() + "\n");
+    EXPECT_EQ(model_.copyRow(), first.toString(settings_) + "\n" + third.toString(settings_) + "\n");
     EXPECT_EQ(test_->scanedData1[0].exportType, QStringLiteral("csv"));
 
     model_.setSelectedRows({});
@@ -167,24 +166,24 @@ TEST_F(ResultsTableModelTest, CopyRowWritesTheSelectedRowsAsCsvInTableOrder)
 TEST_F(ResultsTableModelTest, TagsLiveInTheSettingsUnderTheBssid)
 {
     model_.saveBSSIDTag(QStringLiteral("A"), QStringLiteral("lobby"));
-    EXPECT_EQ(ScannerUtils::getUserSettingForKey(QStringLiteral("A")).toString(), QStringLiteral("lobby"));
+    EXPECT_EQ(settings_.value(QStringLiteral("A")).toString(), QStringLiteral("lobby"));
     EXPECT_EQ(test_->scanedData1[0].bssidTag, QStringLiteral("lobby"));
     model_.saveBSSIDTag(QStringLiteral("A"), QString());
-    EXPECT_TRUE(ResultsTableModel::bssidTagForBSSID(QStringLiteral("A")).isEmpty());
-    EXPECT_TRUE(ScannerUtils::getUserSettingForKey(QStringLiteral("A")).isValid());
+    EXPECT_TRUE(model_.bssidTagForBSSID(QStringLiteral("A")).isEmpty());
+    EXPECT_TRUE(settings_.value(QStringLiteral("A")).isValid());
 }
 
 TEST_F(ResultsTableModelTest, ColumnTogglesStoreTheShownStateUnderTheColumnKey)
 {
     EXPECT_FALSE(results_columns::headerMenuColumns().contains(QStringLiteral("join")));
 
-    ScannerUtils::setUserSetting(true, QStringLiteral("snColumnVisible"));
+    settings_.setValue(QStringLiteral("snColumnVisible"), true);
     model_.updateTableColumnsView();
     model_.toggleColumn(QStringLiteral("sn"));
     EXPECT_TRUE(model_.isColumnHidden(QStringLiteral("sn")));
-    EXPECT_EQ(ScannerUtils::getUserSettingForKey(QStringLiteral("snColumnVisible")), QVariant(false));
+    EXPECT_EQ(settings_.value(QStringLiteral("snColumnVisible")), QVariant(false));
     model_.toggleColumn(QStringLiteral("sn"));
-    EXPECT_EQ(ScannerUtils::getUserSettingForKey(QStringLiteral("snColumnVisible")), QVariant(true));
+    EXPECT_EQ(settings_.value(QStringLiteral("snColumnVisible")), QVariant(true));
 
     model_.toggleColumn(QStringLiteral("ssid"));
     EXPECT_FALSE(model_.isColumnHidden(QStringLiteral("ssid")));

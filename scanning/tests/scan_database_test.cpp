@@ -1,7 +1,6 @@
+#include "core/memory_settings.h"
 #include "scanning/scan_database.h"
 
-#include "app/settings/settings_store.h"
-#include "platform/api/platform_flags.h"
 #include "scanning/literal_scan_store.h"
 
 #include <QFile>
@@ -36,7 +35,8 @@ platform::ScanResult network(const QString& ssid, const QString& bssid, int rssi
 
 ObservationRow row(const QString& ssid, const QString& bssid, int rssi, double seen, int channel = 6)
 {
-    return ObservationRow::fromScanResult(network(ssid, bssid, rssi, channel), QString::number(channel), seen);
+    return ObservationRow::fromScanResult(network(ssid, bssid, rssi, channel), QString::number(channel), seen,
+                                          core::InterfaceGeneration::Later);
 }
 
 // Each result row as one line of "value:type" cells, so a value stored with the wrong type shows.
@@ -182,16 +182,15 @@ TEST_F(ScanDatabaseTest, BatchedStoreMatchesTheLiteralStatements)
 
 TEST_F(ScanDatabaseTest, CountsAreLeftInTheSettings)
 {
-    SettingsStore::setShared(std::make_unique<SettingsStore>(dir.filePath(QStringLiteral("settings.conf"))));
+    core::MemorySettings settings;
     ScanDatabase database(databasePath());
     database.updateDatabase();
     database.storeScan({row("A", "0:0:0:0:0:1", -50, 1, 1), row("B", "0:0:0:0:0:2", -50, 1, 14), row("C", "0:0:0:0:0:3", -50, 1, 36)},
                        true);
-    database.updateNetworkCountsForSummaryWindow();
-    database.update24MhzNetworkCountsForSummaryWindow();
-    EXPECT_EQ(SettingsStore::shared().getUserSettingForKey(QStringLiteral("TOTAL_NETWORKS")), QVariant(QStringLiteral("3")));
-    EXPECT_EQ(SettingsStore::shared().getUserSettingForKey(QStringLiteral("TOTAL_24MHZ_NETWORKS")), QVariant(QStringLiteral("2")));
-    SettingsStore::setShared(nullptr);
+    database.updateNetworkCountsForSummaryWindow(settings);
+    database.update24MhzNetworkCountsForSummaryWindow(settings);
+    EXPECT_EQ(settings.value(QStringLiteral("TOTAL_NETWORKS")), QVariant(QStringLiteral("3")));
+    EXPECT_EQ(settings.value(QStringLiteral("TOTAL_24MHZ_NETWORKS")), QVariant(QStringLiteral("2")));
 }
 
 TEST(ObservationRowTest, BothInterfaceGenerations)
@@ -211,8 +210,8 @@ TEST(ObservationRowTest, BothInterfaceGenerations)
         {true, &secured, {"40,+1", "n", "-90", "[Hidden]", "01:02:03:04:05:06", "30", "3", "0", "2.4", "[Hidden]", "1"}},
     };
     for (const Case& c : cases) {
-        platform::ScopedOSSnowLeopard generation(c.oldest);
-        const ObservationRow r = ObservationRow::fromScanResult(*c.n, QStringLiteral("40,+1"), 7.0);
+        const auto generation = c.oldest ? core::InterfaceGeneration::OldestRelease : core::InterfaceGeneration::Later;
+        const ObservationRow r = ObservationRow::fromScanResult(*c.n, QStringLiteral("40,+1"), 7.0, generation);
         const QStringList actual = {r.channel, r.phyMode, r.noise, r.ssid, r.bssid, QString::number(r.singnalToNoise), r.securityMode,
                                     r.ibss, QString::number(r.channelBond), r.normalizedSsid, QString::number(r.hidden)};
         EXPECT_EQ(actual, c.expected) << c.oldest;

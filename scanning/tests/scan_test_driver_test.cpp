@@ -1,7 +1,7 @@
+#include "core/memory_settings.h"
 #include "scanning/scan_test_driver.h"
 
 #include "scan/scanner_utils.h"
-#include "scanning/notification_center.h"
 
 #include <QCoreApplication>
 #include <QTemporaryDir>
@@ -141,7 +141,6 @@ protected:
             new QCoreApplication(argc, argv);
         ScanTestDriver::scanInProgress = false;
         ScanTestDriver::consecutiveScanFailures = 0;
-        ScannerUtils::setUserSetting(0, QStringLiteral("mergeScanResults"));
         interface->outcomes = {{{network("00:0b:86:ab:34:80", "Lab", 44, -60), network("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}}};
         logged.clear();
         qInstallMessageHandler(captureLog);
@@ -171,7 +170,8 @@ protected:
     CannedRunner runner;
     ScanDatabase database{folder.filePath(QStringLiteral("Database.sqlite"))};
     RecordingListener listener;
-    ScanTestDriver driver{interface, database, timers, runner, QStringLiteral("/opt/skyvane/skyvane-cli"),
+    core::MemorySettings settings{{{QStringLiteral("mergeScanResults"), 0}}};
+    ScanTestDriver driver{interface, database, settings, timers, runner, QStringLiteral("/opt/skyvane/skyvane-cli"),
                           {QStringLiteral("--simulate")}};
 };
 
@@ -263,9 +263,7 @@ TEST_F(ScanTestDriverTest, PauseKeepsTheWaitThatWasLeft)
 
 TEST_F(ScanTestDriverTest, LaunchStartsScanningAndRefreshesChannelsEveryMinute)
 {
-    NotificationCenter center;
-    driver.observeNotifications(center);
-    center.postNotificationName(QStringLiteral("appFinishLaunching"));
+    driver.goToForeGround();
     settle();
     EXPECT_EQ(runner.commands, QStringList{"/opt/skyvane/skyvane-cli --simulate -s"});
     tick(999ms);
@@ -279,9 +277,9 @@ TEST_F(ScanTestDriverTest, LaunchStartsScanningAndRefreshesChannelsEveryMinute)
     tick(118500ms);
     EXPECT_EQ(runner.commands.size(), 3);
 
-    center.postNotificationName(QStringLiteral("pauseScanTimer"));
+    driver.pauseTimerNotification();
     EXPECT_TRUE(driver.isPaused());
-    center.postNotificationName(QStringLiteral("resumeScanTimer"));
+    driver.resumeTimerNotification();
     EXPECT_FALSE(driver.isPaused());
 }
 
@@ -333,7 +331,7 @@ TEST_F(ScanTestDriverTest, CountLabelWithAndWithoutMerging)
     const std::vector<std::pair<int, QString>> cases{{0, "3 of 3 shown"}, {1, "2 of 3 shown (merged 1)"}};
     start();
     for (const auto& [merge, label] : cases) {
-        ScannerUtils::setUserSetting(merge, QStringLiteral("mergeScanResults"));
+        settings.setValue(QStringLiteral("mergeScanResults"), merge);
         tick();
         EXPECT_EQ(driver.countLabel(), label);
     }

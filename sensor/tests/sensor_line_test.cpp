@@ -1,7 +1,6 @@
 #include "listener_test_support.h"
 #include "fake_interface.h"
 
-#include "platform/api/platform_flags.h"
 #include "sensor/sensor_listener_controller.h"
 
 #include <QSignalSpy>
@@ -103,8 +102,8 @@ TEST_F(SensorLineTest, GpsRowFollowsPlatformGeneration)
          "11-14-2023 10:13:20,aa:bb:cc:dd:ee:ff,Home,-55,-92,36,1.00000,2.00000,3.0"},
     };
     for (const Case& c : cases) {
-        platform::ScopedOSSnowLeopard generation(c.oldest);
-        sensor::SensorListenerController controller(c.link);
+        sensor::SensorListenerController controller(
+            c.link, c.oldest ? core::InterfaceGeneration::OldestRelease : core::InterfaceGeneration::Later);
         EXPECT_EQ(feed(controller, line).rows, QStringList{QString::fromLatin1(c.row)}) << c.row;
     }
 }

@@ -142,7 +142,7 @@ TEST(ToolListing, PropertyListIsAnArrayOfOneDictionaryPerNetwork)
 {
     const QList<platform::ScanResult> networks{network("home\x01", 36, kHtCapabilities + rsn(4, {4}, {2})),
                                                network("", 1, {})};
-    const QByteArray xml = cli::scanPropertyList(networks);
+    const QByteArray xml = cli::scanPropertyList(networks, core::InterfaceGeneration::Later);
     plist_t root = nullptr;
     plist_from_xml(xml.constData(), static_cast<std::uint32_t>(xml.size()), &root);
     ASSERT_TRUE(root) << xml.constData();
@@ -190,14 +190,14 @@ TEST(ToolLinkReport, McsIsFoundByTheInterfaceTabAndKeysAreAligned)
     snapshot.rssiValue = -52;
     snapshot.mcsIndex = 7;
     snapshot.wlanChannel = platform::WlanChannel{36, platform::ChannelBand::Band5GHz, platform::ChannelWidthCode::Width80MHz};
-    const QString report = cli::linkReport(snapshot);
+    const QString report = cli::linkReport(snapshot, core::InterfaceGeneration::Later);
     EXPECT_TRUE(report.startsWith(QStringLiteral("     agrCtlRSSI: -52\n")));
     EXPECT_EQ(mcsOf(report), QStringLiteral("7"));
     for (const QString& line : report.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
         EXPECT_EQ(line.indexOf(QStringLiteral(": ")), 15) << line.toStdString();
 
     snapshot.mcsIndex.reset();
-    EXPECT_EQ(mcsOf(cli::linkReport(snapshot)), QString());
+    EXPECT_EQ(mcsOf(cli::linkReport(snapshot, core::InterfaceGeneration::Later)), QString());
 }
 
 TEST(ToolArguments, AcceptsEachCommandWithItsOptionsAndRejectsTheRest)

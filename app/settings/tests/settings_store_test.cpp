@@ -42,8 +42,8 @@ TEST_F(SettingsStoreTest, ShippedDefaultsMatchTheBuiltInFallbacks)
     EXPECT_EQ(registered.keys(), builtIn.keys());
     for (auto it = builtIn.cbegin(); it != builtIn.cend(); ++it)
         EXPECT_EQ(registered.value(it.key()).toString(), it.value().toString()) << it.key().toStdString();
-    EXPECT_EQ(store.getUserSettingForKey(QStringLiteral("udp_auto_save_log_time_interval")).toInt(), 5);
-    EXPECT_FALSE(store.getUserSettingForKey(QStringLiteral("noSuchKey")).isValid());
+    EXPECT_EQ(store.value(QStringLiteral("udp_auto_save_log_time_interval")).toInt(), 5);
+    EXPECT_FALSE(store.value(QStringLiteral("noSuchKey")).isValid());
 }
 
 TEST_F(SettingsStoreTest, BrokenOrMissingDefaultsFileKeepsFallbacks)
@@ -61,9 +61,9 @@ TEST_F(SettingsStoreTest, BrokenOrMissingDefaultsFileKeepsFallbacks)
 
     SettingsStore store(storePath());
     ASSERT_TRUE(store.setupDefaults(path("override.plist")));
-    EXPECT_EQ(store.getUserSettingForKey(QStringLiteral("fontSize")).toInt(), 20);
-    EXPECT_EQ(store.getUserSettingForKey(QStringLiteral("udp_auto_save_log_time_interval")).toInt(), 5);
-    const QVariantMap nested = store.getUserSettingForKey(QStringLiteral("nested")).toMap();
+    EXPECT_EQ(store.value(QStringLiteral("fontSize")).toInt(), 20);
+    EXPECT_EQ(store.value(QStringLiteral("udp_auto_save_log_time_interval")).toInt(), 5);
+    const QVariantMap nested = store.value(QStringLiteral("nested")).toMap();
     EXPECT_EQ(nested.value(QStringLiteral("list")).toList(), (QVariantList{1.5, false}));
 }
 
@@ -76,20 +76,20 @@ TEST_F(SettingsStoreTest, StoredValuesOverrideDefaultsAndPersist)
         SettingsStore store(storePath());
         store.setupDefaults();
         for (const auto& [key, value] : cases)
-            store.setUserSetting(value, QString::fromLatin1(key));
-        store.setUserSetting(QVariant(), QStringLiteral("nullValue"));
-        store.setUserSetting(1, QString());
-        EXPECT_EQ(store.getUserSettingForKey(QStringLiteral("fontSize")).toInt(), 16);
+            store.setValue(QString::fromLatin1(key), value);
+        store.setValue(QStringLiteral("nullValue"), QVariant());
+        store.setValue(QString(), 1);
+        EXPECT_EQ(store.value(QStringLiteral("fontSize")).toInt(), 16);
     }
 
     SettingsStore reopened(storePath());
     reopened.setupDefaults();
     for (const auto& [key, value] : cases)
-        EXPECT_EQ(reopened.getUserSettingForKey(QString::fromLatin1(key)).toString(), value.toString()) << key;
-    EXPECT_FALSE(reopened.getUserSettingForKey(QStringLiteral("nullValue")).isValid());
+        EXPECT_EQ(reopened.value(QString::fromLatin1(key)).toString(), value.toString()) << key;
+    EXPECT_FALSE(reopened.value(QStringLiteral("nullValue")).isValid());
 
     reopened.removeUserSetting(QStringLiteral("fontSize"));
-    EXPECT_EQ(reopened.getUserSettingForKey(QStringLiteral("fontSize")).toInt(), 12);
+    EXPECT_EQ(reopened.value(QStringLiteral("fontSize")).toInt(), 12);
 }
 
 TEST_F(SettingsStoreTest, CorruptStoreIsKeptAsideAndStartsFromDefaults)
@@ -98,14 +98,14 @@ TEST_F(SettingsStoreTest, CorruptStoreIsKeptAsideAndStartsFromDefaults)
     writeFile(storePath(), corrupt);
 
     SettingsStore store(storePath());
-    EXPECT_EQ(store.getUserSettingForKey(QStringLiteral("fontSize")).toInt(), 12);
+    EXPECT_EQ(store.value(QStringLiteral("fontSize")).toInt(), 12);
     EXPECT_EQ(readFile(storePath() + QStringLiteral(".corrupt")), corrupt);
 
     bool failed = false;
     QObject::connect(&store, &SettingsStore::saveFailed, [&failed] { failed = true; });
-    store.setUserSetting(14, QStringLiteral("fontSize"));
+    store.setValue(QStringLiteral("fontSize"), 14);
     EXPECT_FALSE(failed);
-    EXPECT_EQ(SettingsStore(storePath()).getUserSettingForKey(QStringLiteral("fontSize")).toInt(), 14);
+    EXPECT_EQ(SettingsStore(storePath()).value(QStringLiteral("fontSize")).toInt(), 14);
 
     // A second corruption must not overwrite the first copy.
     writeFile(storePath(), corrupt + "again");
@@ -122,30 +122,29 @@ TEST_F(SettingsStoreTest, UnwritableStoreReportsSaveFailed)
 
     QStringList messages;
     QObject::connect(&store, &SettingsStore::saveFailed, [&messages](const QString& m) { messages.append(m); });
-    store.setUserSetting(3, QStringLiteral("fontSize"));
+    store.setValue(QStringLiteral("fontSize"), 3);
     ASSERT_EQ(messages.size(), 1);
     EXPECT_EQ(messages.front(), QStringLiteral("Unable to save settings. Check console log files for details."));
     EXPECT_FALSE(store.isAvailable());
 }
 
-TEST_F(SettingsStoreTest, SharedStoreSurvivesConcurrentUse)
+TEST_F(SettingsStoreTest, OneStoreSurvivesConcurrentUse)
 {
-    SettingsStore::setShared(std::make_unique<SettingsStore>(storePath()));
+    SettingsStore store(storePath());
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([t] {
+        threads.emplace_back([t, &store] {
             const QString key = QStringLiteral("thread-%1").arg(t);
             for (int i = 0; i < 10; ++i) {
-                SettingsStore::shared().setUserSetting(i, key);
-                SettingsStore::shared().getUserSettingForKey(QStringLiteral("thread-0"));
+                store.setValue(key, i);
+                store.value(QStringLiteral("thread-0"));
             }
         });
     }
     for (auto& thread : threads)
         thread.join();
     for (int t = 0; t < 4; ++t)
-        EXPECT_EQ(SettingsStore::shared().getUserSettingForKey(QStringLiteral("thread-%1").arg(t)).toInt(), 9);
-    SettingsStore::setShared(nullptr);
+        EXPECT_EQ(store.value(QStringLiteral("thread-%1").arg(t)).toInt(), 9);
 }
 
 } // namespace

@@ -1,10 +1,8 @@
-#include "app/settings/settings_store.h"
 #include "platform/sim/beacon_elements.h"
 #include "platform/sim/element_builder.h"
 #include "scan/scan_result_derivation.h"
 #include "scan/scaned_result_info.h"
 
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -44,12 +42,6 @@ ScanResult derived(SimulatedAccessPoint ap)
 
 class ElementDecoding : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        SettingsStore::setShared(std::make_unique<SettingsStore>(dir_.filePath(QStringLiteral("settings.conf"))));
-    }
-    void TearDown() override { SettingsStore::setShared(nullptr); }
-
     static ScanedResultInfo parsed(SimulatedAccessPoint ap)
     {
         buildBeacon(ap);
@@ -58,9 +50,6 @@ protected:
         record.parseInformationElement(ap.beaconElements);
         return record;
     }
-
-private:
-    QTemporaryDir dir_;
 };
 
 TEST_F(ElementDecoding, BeaconsDeriveTheIntendedChannelWidthSecurityAndPhy)
