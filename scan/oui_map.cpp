@@ -1,5 +1,7 @@
 #include "scan/oui_map.h"
 
+#include "scan/log_category.h"
+
 #include <QFile>
 #include <QStringView>
 #include <QtDebug>
@@ -10,7 +12,7 @@ QByteArray readAll(const QString& path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        qWarning() << "vendor table" << path << "cannot be read; every vendor shows as Unknown";
+        qCWarning(lcScan) << "vendor table" << path << "cannot be read; every vendor shows as Unknown";
         return {};
     }
     return file.readAll();

@@ -7,6 +7,7 @@
 #include "app/settings/settings_store.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QStringList>
 
 #include <cstdio>
@@ -15,7 +16,8 @@ namespace {
 
 void printUsage(std::FILE* stream)
 {
-    std::fputs("usage: skyvane-cli decode FILE\n"
+    std::fputs("usage: skyvane-cli [--verbose] COMMAND ...   (--verbose: show the log texts)\n"
+               "       skyvane-cli decode FILE\n"
                "       skyvane-cli [BACKEND] -s | -s -x | -I | watch [--interval SECONDS] [--count N]\n"
                "       skyvane-cli [BACKEND] scan [OPTIONS]\n\n"
                "commands:\n"
@@ -35,7 +37,10 @@ int main(int argc, char* argv[])
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("skyvane-cli"));
 
-    const QStringList arguments = QCoreApplication::arguments().mid(1);
+    QStringList arguments = QCoreApplication::arguments().mid(1);
+    // The system's log texts stay quiet on a terminal unless asked for.
+    if (arguments.removeAll(QStringLiteral("--verbose")) > 0)
+        QLoggingCategory::setFilterRules(QStringLiteral("skyvane.*=true"));
     if (arguments.size() == 1 && (arguments[0] == u"-h" || arguments[0] == u"--help")) {
         printUsage(stdout);
         return 0;

@@ -1,5 +1,7 @@
 #include "app/settings/settings_store.h"
 
+#include "app/settings/log_category.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -34,10 +36,10 @@ bool preserveCorruptFile(const QString& path)
         target = path + QStringLiteral(".corrupt.%1").arg(n);
     }
     if (QFile::rename(path, target)) {
-        qWarning() << "settings file" << path << "is corrupt; kept it as" << target << "and started afresh";
+        qCWarning(lcSettings) << "settings file" << path << "is corrupt; kept it as" << target << "and started afresh";
         return true;
     }
-    qWarning() << "settings file" << path << "is corrupt and could not be moved to" << target
+    qCWarning(lcSettings) << "settings file" << path << "is corrupt and could not be moved to" << target
                << "; settings will not be saved";
     return false;
 }
@@ -158,19 +160,19 @@ bool SettingsStore::setupDefaults(const QString& plistPath)
     const QString path = plistPath.isEmpty() ? defaultsResourcePath() : plistPath;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        qWarning() << "defaults file" << path << "cannot be read (" << file.errorString()
+        qCWarning(lcSettings) << "defaults file" << path << "cannot be read (" << file.errorString()
                    << "); using the built-in defaults";
         return false;
     }
     const QByteArray data = file.readAll();
     if (data.isEmpty() || data.size() > std::numeric_limits<uint32_t>::max()) {
-        qWarning() << "defaults file" << path << "is empty or too large; using the built-in defaults";
+        qCWarning(lcSettings) << "defaults file" << path << "is empty or too large; using the built-in defaults";
         return false;
     }
     plist_t root = nullptr;
     plist_from_memory(data.constData(), static_cast<uint32_t>(data.size()), &root);
     if (root == nullptr || plist_get_node_type(root) != PLIST_DICT) {
-        qWarning() << "defaults file" << path << "is not a property-list dictionary; using the built-in defaults";
+        qCWarning(lcSettings) << "defaults file" << path << "is not a property-list dictionary; using the built-in defaults";
         plist_free(root);
         return false;
     }
@@ -224,7 +226,7 @@ void SettingsStore::setValue(const QString& key, const QVariant& value)
         }
     }
     if (!saved) {
-        qWarning() << "could not save setting" << key << "to" << fileName();
+        qCWarning(lcSettings) << "could not save setting" << key << "to" << fileName();
         emit saveFailed(QString::fromLatin1(unableToSaveMessage));
     }
 }
@@ -244,7 +246,7 @@ void SettingsStore::removeUserSetting(const QString& key)
         }
     }
     if (!saved) {
-        qWarning() << "could not remove setting" << key << "from" << fileName();
+        qCWarning(lcSettings) << "could not remove setting" << key << "from" << fileName();
         emit saveFailed(QString::fromLatin1(unableToSaveMessage));
     }
 }
