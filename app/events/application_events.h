@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 
 // The program's own notifications, as typed signals. The composition root owns the one
 // instance and connects each signal to its observers; posting from another thread reaches
@@ -18,8 +19,9 @@ signals:
     // A window that needs the radio for itself (joining, creating a network) holds the scans.
     void pauseScanTimer();
     void resumeScanTimer();
-    // The connected-network report asks the interface tab for its graph's image.
-    void GenerateInterfaceTabGraphImageNotification();
+    // "GenerateInterfaceTabGraphImageNotification": the interface tab saves its graph's image at
+    // path, or with generateReport the whole connected-network report.
+    void generateInterfaceTabGraphImage(const QString& path, bool generateReport);
 };
 
 } // namespace app
