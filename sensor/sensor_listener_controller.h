@@ -1,6 +1,9 @@
 #pragma once
 
+#include "core/interface_generation.h"
+
 #include <QDateTime>
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -27,9 +30,12 @@ public:
     static constexpr int TCPListenerType = 0;
     static constexpr int UDPListenerType = 1;
 
-    // A null interface gives GPS rows without link values.
-    explicit SensorListenerController(std::shared_ptr<platform::WirelessInterface> currentInterface,
-                                      QObject* parent = nullptr);
+    // A null interface gives GPS rows without link values, in the format of
+    // generationWithoutInterface; with an interface its own generation decides.
+    explicit SensorListenerController(
+        std::shared_ptr<platform::WirelessInterface> currentInterface,
+        core::InterfaceGeneration generationWithoutInterface = core::InterfaceGeneration::Later,
+        QObject* parent = nullptr);
     ~SensorListenerController() override;
 
     std::shared_ptr<platform::WirelessInterface> currentInterface() const { return currentInterface_; }
@@ -51,7 +57,7 @@ public:
     bool serverIPLabelVisible() const { return serverIPLabelVisible_; }
     QString serverIPLabel() const { return serverIPLabel_; }
 
-    // The machine's address, kept current by the reachability handlers.
+    // The machine's address (hostAddress() at construction), kept current by the reachability handlers.
     QString serverIP() const { return serverIP_; }
     void setServerIP(const QString& address) { serverIP_ = address; }
     void updateServerIPAddress();
@@ -98,8 +104,10 @@ private:
     void tcpServerDidFailToStart(const QString& error);
     void tcpServerDidReceiveData(const QString& line);
     void tcpServerDidStop();
+    void reportDroppedDatagrams(bool evenIfRecent);
 
     std::shared_ptr<platform::WirelessInterface> currentInterface_;
+    core::InterfaceGeneration generationWithoutInterface_;
     std::unique_ptr<UdpLineSocket> socket_;
     QPointer<GCDSensorLoggerTCPServer> gcdSensorLoggerTCPServer_;
     int port_ = 0;
@@ -109,6 +117,10 @@ private:
     bool serverIPLabelVisible_ = false;
     QString serverIPLabel_;
     QString serverIP_;
+    // Dropped datagrams already told in the status line, and when, so a flood is told about
+    // once a second rather than once per batch.
+    quint64 reportedDrops_ = 0;
+    QElapsedTimer sinceDropReport_;
 };
 
 } // namespace sensor
