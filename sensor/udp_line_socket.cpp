@@ -3,8 +3,9 @@
 #include <QtGlobal>
 
 #include <arpa/inet.h>
+#include <array>
+#include <linux/sock_diag.h>
 #include <cerrno>
-#include <cstring>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -51,8 +52,6 @@ std::optional<QString> UdpLineSocket::bindToPort(quint16 port)
     const int size = receiveBufferBytes;
     if (::setsockopt(fd_, SOL_SOCKET, SO_RCVBUFFORCE, &size, sizeof size) != 0)
         ::setsockopt(fd_, SOL_SOCKET, SO_RCVBUF, &size, sizeof size);
-    const int on = 1;
-    ::setsockopt(fd_, SOL_SOCKET, SO_RXQ_OVFL, &on, sizeof on);
     lastKernelCount_ = 0;
     dropped_ = 0;
     notifier_ = new QSocketNotifier(fd_, QSocketNotifier::Read, this);
@@ -91,35 +90,40 @@ int UdpLineSocket::receiveBufferSize() const
     return size;
 }
 
+quint64 UdpLineSocket::droppedDatagrams()
+{
+    refreshDrops();
+    return dropped_;
+}
+
+void UdpLineSocket::refreshDrops()
+{
+    // The socket's own drop counter, read live: SO_RXQ_OVFL would only tell it with the next
+    // datagram that gets queued, which a listener that stalled and then stopped never sees.
+    std::array<quint32, SK_MEMINFO_VARS> info{};
+    socklen_t length = sizeof info;
+    if (fd_ < 0 || ::getsockopt(fd_, SOL_SOCKET, SO_MEMINFO, info.data(), &length) != 0 ||
+        length <= SK_MEMINFO_DROPS * sizeof(quint32))
+        return;
+    // The kernel's counter is 32 bits and wraps; unsigned subtraction follows it.
+    dropped_ += static_cast<quint32>(info[SK_MEMINFO_DROPS] - lastKernelCount_);
+    lastKernelCount_ = info[SK_MEMINFO_DROPS];
+}
+
 void UdpLineSocket::readBatch()
 {
     const quint64 droppedBefore = dropped_;
     for (int read = 0; read < batchSize && fd_ >= 0; ++read) {
-        iovec data{buffer_.data(), static_cast<std::size_t>(buffer_.size())};
-        alignas(cmsghdr) char control[CMSG_SPACE(sizeof(quint32))];
-        msghdr message{};
-        message.msg_iov = &data;
-        message.msg_iovlen = 1;
-        message.msg_control = control;
-        message.msg_controllen = sizeof control;
-        const ssize_t size = ::recvmsg(fd_, &message, 0);
+        const ssize_t size = ::recv(fd_, buffer_.data(), static_cast<std::size_t>(buffer_.size()), 0);
         if (size < 0) {
             if (errno == EINTR)
                 continue;
             break;  // EAGAIN: the queue is empty; anything else shows again on the next turn
         }
-        for (cmsghdr* header = CMSG_FIRSTHDR(&message); header; header = CMSG_NXTHDR(&message, header)) {
-            if (header->cmsg_level == SOL_SOCKET && header->cmsg_type == SO_RXQ_OVFL) {
-                quint32 kernelCount = 0;
-                std::memcpy(&kernelCount, CMSG_DATA(header), sizeof kernelCount);
-                // The kernel's counter is 32 bits and wraps; unsigned subtraction follows it.
-                dropped_ += static_cast<quint32>(kernelCount - lastKernelCount_);
-                lastKernelCount_ = kernelCount;
-            }
-        }
         if (const auto line = asciiLine(buffer_.constData(), size))
             emit lineReceived(*line);
     }
+    refreshDrops();
     if (dropped_ != droppedBefore)
         emit datagramsDropped(dropped_);
 }

@@ -34,8 +34,8 @@ public:
     quint16 localPort() const;
     // What the kernel granted for the receive buffer, in bytes; 0 before binding.
     int receiveBufferSize() const;
-    // Datagrams the kernel dropped since the socket was bound, as far as the socket has read.
-    quint64 droppedDatagrams() const { return dropped_; }
+    // Datagrams the kernel dropped since the socket was bound because its queue was full.
+    quint64 droppedDatagrams();
 
 signals:
     void lineReceived(const QString& line);
@@ -44,6 +44,7 @@ signals:
 
 private:
     void readBatch();
+    void refreshDrops();
 
     int fd_ = -1;
     QPointer<QSocketNotifier> notifier_;  // a child, so a pending deletion dies with the socket
