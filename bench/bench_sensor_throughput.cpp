@@ -7,6 +7,7 @@
 //   bench_sensor_throughput [--rate LINES_PER_SECOND] [--seconds N]   (defaults 20000, 10)
 
 #include "app/backend/backend_chooser.h"
+#include "core/memory_settings.h"
 #include "sensor/sensor_listener_controller.h"
 #include "sensor/sensor_log.h"
 #include "sensor/sensor_log_file.h"
@@ -147,9 +148,8 @@ void run(bool tcp, const Load& load, const app::Backend& backend)
     QTemporaryDir folder;
     sensor::SensorLog log;
     sensor::SensorLogFile file(log, sensor::SensorLogFile::logFileNameForLaunch(QDateTime::currentDateTime()));
-    sensor::SensorLogSaver saver(file, [&folder](const QString& key) {
-        return key == QLatin1String(sensor::SensorLogFile::folderSettingKey) ? QVariant(folder.path()) : QVariant();
-    });
+    core::MemorySettings settings({{QLatin1String(sensor::SensorLogFile::folderSettingKey), folder.path()}});
+    sensor::SensorLogSaver saver(file, settings);
     sensor::SensorListenerController listener(backend.interface);
     listener.setSelectedListenerType(tcp ? sensor::SensorListenerController::TCPListenerType
                                          : sensor::SensorListenerController::UDPListenerType);
@@ -159,6 +159,11 @@ void run(bool tcp, const Load& load, const app::Backend& backend)
         ++logged;
     });
     QObject::connect(&listener, &sensor::SensorListenerController::listenerStopping, &saver, &sensor::SensorLogSaver::stop);
+    QString dropStatus;
+    QObject::connect(&listener, &sensor::SensorListenerController::statusChanged, &log, [&](const QString& status) {
+        if (status.contains(u"datagrams lost"))
+            dropStatus = status;
+    });
 
     QEventLoop loop;
     QObject::connect(&listener, &sensor::SensorListenerController::buttonsChanged, &loop, &QEventLoop::quit);
@@ -210,6 +215,8 @@ void run(bool tcp, const Load& load, const app::Backend& backend)
         const qint64 drops = dropsBefore && dropsAfter ? *dropsAfter - *dropsBefore : -1;
         std::printf("     dropped by the kernel before the listener read them: %lld (socket drop counter)\n",
                     static_cast<long long>(drops));
+        std::printf("     listener's status: %s\n",
+                    dropStatus.isEmpty() ? "no datagrams lost" : qPrintable(dropStatus));
     }
     std::fflush(stdout);
 }

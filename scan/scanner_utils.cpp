@@ -8,9 +8,7 @@
 #include "scan/number_format.h"
 #include "scan/oui_map.h"
 
-#include <QHostAddress>
 #include <QLocale>
-#include <QNetworkInterface>
 
 #include <array>
 
@@ -205,34 +203,6 @@ QString ScannerUtils::stringForSecurityMode(int code, core::InterfaceGeneration 
 QString ScannerUtils::stringForOpMode(int code, core::InterfaceGeneration generation)
 {
     return textAt(core::isOSSnowLeopard(generation) ? olderOpModes : currentOpModes, code);
-}
-
-QString ScannerUtils::getIP()
-{
-    QStringList texts;
-    const auto addresses = QNetworkInterface::allAddresses();
-    texts.reserve(addresses.size());
-    for (const QHostAddress& address : addresses) {
-        texts.append(address.toString());
-    }
-    return getIP(texts);
-}
-
-QString ScannerUtils::getIP(const QStringList& addresses)
-{
-    if (addresses.isEmpty()) {
-        return emptyText();
-    }
-    for (const QString& address : addresses) {
-        // An IPv4-mapped IPv6 text also has four dot-separated parts; the colon gives it away.
-        if (address.startsWith(QLatin1String("127")) || address.contains(QLatin1Char(':'))) {
-            continue;
-        }
-        if (address.count(QLatin1Char('.')) == 3) {
-            return address;
-        }
-    }
-    return QStringLiteral("IP address not available");
 }
 
 QString ScannerUtils::formatNumber(float value) { return NumberFormat::format(value); }

@@ -19,7 +19,7 @@ struct ScanResult;
 
 // Stateless helpers shared by the whole program: vendor lookup, MAC and name normalisation,
 // the texts of platform mode codes, hex and bit-string conversion, number and date formatting,
-// user settings, the host address and the interface generation test. Thread-safe.
+// user settings and the interface generation test. Thread-safe.
 class ScannerUtils {
 public:
     ScannerUtils() = delete;
@@ -52,9 +52,6 @@ public:
     static QString stringForSecurityMode(int code, core::InterfaceGeneration generation);
     static QString stringForOpMode(int code, core::InterfaceGeneration generation);
 
-    static QString getIP();
-    // The same rules over given address texts.
-    static QString getIP(const QStringList& addresses);
     static bool isOSSnowLeopard(core::InterfaceGeneration generation) { return core::isOSSnowLeopard(generation); }
 
     // Decimal, at most one fractional digit, "." separator, no grouping, half-even rounding.

@@ -1,30 +1,34 @@
 #include "sensor/gps_row.h"
 
+#include "core/csv_cell.h"
 #include "platform/api/wireless_types.h"
 #include "scan/scanner_utils.h"
 
+#include <array>
+#include <charconv>
+
 namespace sensor {
 
-QString csvField(const QString& text)
+QString fixedDecimals(double value, int decimals)
 {
-    static const QString special = QStringLiteral(",\"\r\n");
-    bool needsQuotes = false;
-    for (const QChar c : text)
-        needsQuotes = needsQuotes || special.contains(c);
-    if (!needsQuotes)
-        return text;
-    QString quoted = text;
-    quoted.replace(u'"', QStringLiteral("\"\""));
-    return u'"' + quoted + u'"';
+    // Not QString::asprintf: its own formatter rounds exact halves away from zero (432.25 gives
+    // 432.3 where printf gives 432.2). to_chars rounds as printf does and ignores the locale.
+    std::array<char, 400> text{};
+    const auto result = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, decimals);
+    return QString::fromLatin1(text.data(), result.ptr - text.data());
 }
 
 QString gpsRow(const GpsFix& fix, const std::optional<platform::InterfaceSnapshot>& link,
                core::InterfaceGeneration generation)
 {
-    const QString time = ScannerUtils::formatDate(QStringLiteral("MM-dd-YYYY hh:mm:ss"), fix.date);
-    const QString bssid = link ? csvField(link->bssid) : QString();
-    const QString ssid = link ? csvField(link->ssid) : QString();
-    const QString position = QString::asprintf("%3.5f,%3.5f,%3.1f", fix.latitude, fix.longitude, fix.altitude);
+    const QString time =
+        fix.date.isValid() ? ScannerUtils::formatDate(QStringLiteral("MM-dd-YYYY hh:mm:ss"), fix.date) : QString();
+    const QString bssid = link ? core::csvCell(link->bssid) : QString();
+    const QString ssid = link ? core::csvCell(link->ssid) : QString();
+    // The widths of "%3.5f" and "%3.1f" never pad: one decimal alone already makes three characters.
+    const QString latitude = fixedDecimals(fix.latitude, 5);
+    const QString longitude = fixedDecimals(fix.longitude, 5);
+    const QString altitude = fixedDecimals(fix.altitude, 1);
 
     QString rssi, noise, channel;
     if (core::isOSSnowLeopard(generation)) {
@@ -40,7 +44,7 @@ QString gpsRow(const GpsFix& fix, const std::optional<platform::InterfaceSnapsho
         noise = QString::number(link ? link->noiseMeasurement : 0);
         channel = QString::number(link && link->wlanChannel ? link->wlanChannel->channelNumber : 0);
     }
-    return QStringList{time, bssid, ssid, rssi, noise, channel, position}.join(u',');
+    return QStringList{time, bssid, ssid, rssi, noise, channel, latitude, longitude, altitude}.join(u',');
 }
 
 } // namespace sensor

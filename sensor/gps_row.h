@@ -19,16 +19,16 @@ struct GpsFix {
     double latitude = 0.0;
     double longitude = 0.0;
     double altitude = 0.0;
+    // Invalid for a reading time no date can hold: the TIME cell is then left empty.
     QDateTime date;
 };
 
-// Without a snapshot (no interface) the link columns stay empty or zero, as the platform
-// generation's format gives them. Follows the platform generation flag.
+// Without a snapshot (no interface) the link columns stay empty or zero, as the interface
+// generation's format gives them.
 QString gpsRow(const GpsFix& fix, const std::optional<platform::InterfaceSnapshot>& link,
                core::InterfaceGeneration generation);
 
-// A field quoted the CSV way when it holds a separator, a quote or a line break, so a network
-// name from the air cannot shift the columns or split the row.
-QString csvField(const QString& text);
+// A number as printf's "%.<decimals>f" writes it in the C locale, exact halves rounded to even.
+QString fixedDecimals(double value, int decimals);
 
 } // namespace sensor

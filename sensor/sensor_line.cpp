@@ -94,12 +94,14 @@ std::optional<SensorLine> parseSensorLine(const QString& line)
         return std::nullopt;
 
     const quint64 milliseconds = leadingUnsigned(fields.at(0));
-    if (milliseconds > latestMilliseconds)
-        return std::nullopt;
     SensorLine parsed;
-    // Whole milliseconds carry the full resolution; no floating-point division needed.
-    parsed.date = QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(milliseconds));
-    parsed.timeText = ScannerUtils::formatDate(QStringLiteral("MM-dd-YYYY hh:mm:ss.SSSS"), parsed.date);
+    if (milliseconds > latestMilliseconds) {
+        parsed.timeText = QString::number(milliseconds);
+    } else {
+        // Whole milliseconds carry the full resolution; no floating-point division needed.
+        parsed.date = QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(milliseconds));
+        parsed.timeText = ScannerUtils::formatDate(QStringLiteral("MM-dd-YYYY hh:mm:ss.SSSS"), parsed.date);
+    }
     parsed.sensorId = leadingInt(fields.at(1));
     fields.remove(0, 2);
     parsed.values = std::move(fields);

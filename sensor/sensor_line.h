@@ -12,14 +12,16 @@
 namespace sensor {
 
 struct SensorLine {
+    // Invalid when the time lies past the year 9999, which no date can hold.
     QDateTime date;
-    // The reading's time as "MM-dd-YYYY hh:mm:ss.SSSS".
+    // The reading's time as "MM-dd-YYYY hh:mm:ss.SSSS"; past the year 9999 the millisecond
+    // count as sent, so the reading is still logged with the time it carried.
     QString timeText;
     int sensorId = 0;
     QStringList values;
 };
 
-// Nullopt for empty input, fewer than three fields, or a time that no date can hold.
+// Nullopt for empty input or fewer than three fields.
 std::optional<SensorLine> parseSensorLine(const QString& line);
 
 // Decimal prefix with optional sign, fraction and exponent; independent of the C locale.

@@ -1,17 +1,22 @@
 #include "sensor/sensor_listener_controller.h"
 
+#include "core/csv_cell.h"
 #include "platform/api/wireless_interface.h"
 #include "sensor/gcd_sensor_logger_tcp_server.h"
 #include "sensor/gps_row.h"
+#include "sensor/host_address.h"
 #include "sensor/sensor_line.h"
 #include "sensor/udp_line_socket.h"
 
 namespace sensor {
 
 SensorListenerController::SensorListenerController(std::shared_ptr<platform::WirelessInterface> currentInterface,
-                                                   std::optional<core::InterfaceGeneration> generation, QObject* parent)
-    : QObject(parent), currentInterface_(std::move(currentInterface)),
-      generation_(generation.value_or(currentInterface_ ? currentInterface_->generation() : core::InterfaceGeneration::Later))
+                                                   core::InterfaceGeneration generationWithoutInterface,
+                                                   QObject* parent)
+    : QObject(parent),
+      currentInterface_(std::move(currentInterface)),
+      generationWithoutInterface_(generationWithoutInterface),
+      serverIP_(hostAddress())
 {
     initializeSocket();
 }
@@ -50,6 +55,23 @@ void SensorListenerController::initializeSocket()
 {
     socket_ = std::make_unique<UdpLineSocket>();
     connect(socket_.get(), &UdpLineSocket::lineReceived, this, &SensorListenerController::appendSensorData);
+    connect(socket_.get(), &UdpLineSocket::datagramsDropped, this, [this] { reportDroppedDatagrams(false); });
+    reportedDrops_ = 0;
+}
+
+void SensorListenerController::reportDroppedDatagrams(bool evenIfRecent)
+{
+    const quint64 dropped = socket_->droppedDatagrams();
+    if (dropped == reportedDrops_)
+        return;
+    if (!evenIfRecent && sinceDropReport_.isValid() && sinceDropReport_.elapsed() < 1000)
+        return;
+    reportedDrops_ = dropped;
+    sinceDropReport_.start();
+    updateListenerStatus(QStringLiteral("%1 datagrams lost: readings arrived faster than they were read and the "
+                                        "system's receive buffer (%2 bytes) overflowed")
+                             .arg(dropped)
+                             .arg(socket_->receiveBufferSize()));
 }
 
 void SensorListenerController::startListenerButtonClicked()
@@ -78,6 +100,7 @@ void SensorListenerController::toggleUDPListener()
 {
     if (buttonTag_ != 0) {
         emit listenerStopping();
+        reportDroppedDatagrams(true);
         socket_->close();
         initializeSocket();
         updateListenerStatus(QStringLiteral("Listener stopped and unbounded."));
@@ -182,13 +205,10 @@ void SensorListenerController::appendSensorData(const QString& line)
     const auto value = [&values](qsizetype index) { return leadingDouble(values.at(index)); };
     switch (reading->sensorId) {
     case 1:
-        if (values.size() < 4)
+        // Four values pass the check, yet five are read: such a line fails quietly, as a
+        // malformed line does.
+        if (values.size() < 5)
             return;
-        // Five values are read although four pass the check: such a line yields no row.
-        if (values.size() < 5) {
-            emit diagnostic(QStringLiteral("GPS reading without vertical accuracy ignored: %1").arg(line));
-            return;
-        }
         handleGPS(value(0), value(1), value(2), value(3), value(4), reading->date);
         return;
     case 2:
@@ -203,9 +223,14 @@ void SensorListenerController::appendSensorData(const QString& line)
         if (values.size() >= 3)
             handleGyroscope(value(0), value(1), value(2), reading->date);
         return;
-    default:
-        writeLog(QStringLiteral("[%1] %2 : %3")
-                     .arg(reading->timeText, getSensorName(reading->sensorId), values.join(u',')));
+    default: {
+        // The values land as CSV cells of the saved log; every one after the first starts a
+        // cell, where a spreadsheet would run a formula.
+        QStringList cells = values;
+        for (qsizetype i = 1; i < cells.size(); ++i)
+            cells[i] = core::csvCell(cells[i]);
+        writeLog(QStringLiteral("[%1] %2 : %3").arg(reading->timeText, getSensorName(reading->sensorId), cells.join(u',')));
+    }
     }
 }
 
@@ -216,9 +241,12 @@ void SensorListenerController::handleGPS(double latitude, double longitude, doub
     static_cast<void>(horizAccuracy);
     static_cast<void>(vertAccuracy);
     std::optional<platform::InterfaceSnapshot> link;
-    if (currentInterface_)
+    core::InterfaceGeneration generation = generationWithoutInterface_;
+    if (currentInterface_) {
         link = currentInterface_->snapshot();
-    writeLog(gpsRow(GpsFix{latitude, longitude, altitude, date}, link, generation_));
+        generation = currentInterface_->generation();
+    }
+    writeLog(gpsRow(GpsFix{latitude, longitude, altitude, date}, link, generation));
 }
 
 // The phone sends these readings too; no row records them.

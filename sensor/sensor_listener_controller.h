@@ -3,6 +3,7 @@
 #include "core/interface_generation.h"
 
 #include <QDateTime>
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -29,11 +30,12 @@ public:
     static constexpr int TCPListenerType = 0;
     static constexpr int UDPListenerType = 1;
 
-    // A null interface gives GPS rows without link values; generation decides how those read
-    // (the interface's own when there is one).
-    explicit SensorListenerController(std::shared_ptr<platform::WirelessInterface> currentInterface,
-                                      std::optional<core::InterfaceGeneration> generation = std::nullopt,
-                                      QObject* parent = nullptr);
+    // A null interface gives GPS rows without link values, in the format of
+    // generationWithoutInterface; with an interface its own generation decides.
+    explicit SensorListenerController(
+        std::shared_ptr<platform::WirelessInterface> currentInterface,
+        core::InterfaceGeneration generationWithoutInterface = core::InterfaceGeneration::Later,
+        QObject* parent = nullptr);
     ~SensorListenerController() override;
 
     std::shared_ptr<platform::WirelessInterface> currentInterface() const { return currentInterface_; }
@@ -55,7 +57,7 @@ public:
     bool serverIPLabelVisible() const { return serverIPLabelVisible_; }
     QString serverIPLabel() const { return serverIPLabel_; }
 
-    // The machine's address, kept current by the reachability handlers.
+    // The machine's address (hostAddress() at construction), kept current by the reachability handlers.
     QString serverIP() const { return serverIP_; }
     void setServerIP(const QString& address) { serverIP_ = address; }
     void updateServerIPAddress();
@@ -102,9 +104,10 @@ private:
     void tcpServerDidFailToStart(const QString& error);
     void tcpServerDidReceiveData(const QString& line);
     void tcpServerDidStop();
+    void reportDroppedDatagrams(bool evenIfRecent);
 
     std::shared_ptr<platform::WirelessInterface> currentInterface_;
-    core::InterfaceGeneration generation_;
+    core::InterfaceGeneration generationWithoutInterface_;
     std::unique_ptr<UdpLineSocket> socket_;
     QPointer<GCDSensorLoggerTCPServer> gcdSensorLoggerTCPServer_;
     int port_ = 0;
@@ -114,6 +117,10 @@ private:
     bool serverIPLabelVisible_ = false;
     QString serverIPLabel_;
     QString serverIP_;
+    // Dropped datagrams already told in the status line, and when, so a flood is told about
+    // once a second rather than once per batch.
+    quint64 reportedDrops_ = 0;
+    QElapsedTimer sinceDropReport_;
 };
 
 } // namespace sensor

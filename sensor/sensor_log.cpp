@@ -1,6 +1,28 @@
 #include "sensor/sensor_log.h"
 
 namespace sensor {
+namespace {
+
+// Text from the network may carry line breaks or NUL bytes; written as they are they would
+// split a row or start one the header does not describe. They are written as escapes instead.
+QString asOneLine(const QString& line)
+{
+    QString text;
+    text.reserve(line.size());
+    for (const QChar c : line) {
+        if (c == u'\n')
+            text += QLatin1String("\\n");
+        else if (c == u'\r')
+            text += QLatin1String("\\r");
+        else if (c == QChar(0))
+            text += QLatin1String("\\0");
+        else
+            text += c;
+    }
+    return text;
+}
+
+} // namespace
 
 SensorLog::SensorLog(QObject* parent) : QObject(parent) {}
 
@@ -17,7 +39,7 @@ void SensorLog::writeLog(const QString& line)
             added = QLatin1String(header);
             shouldAddHeaderToLogFile_ = false;
         }
-        added += line;
+        added += asOneLine(line);
         added += QLatin1Char('\n');
         content_ += added.toUtf8();
     }

@@ -21,6 +21,7 @@ public:
     explicit SensorLog(QObject* parent = nullptr);
 
     // One line; the header goes first whenever the log is empty. An empty line adds nothing.
+    // Line breaks and NUL bytes inside it are written as the escapes \n, \r and \0.
     void writeLog(const QString& line);
     void clearListenerLogFiles();
 

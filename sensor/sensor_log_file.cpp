@@ -4,31 +4,75 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QUrl>
 
 #include <cerrno>
 #include <cmath>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace sensor {
 namespace {
 
-// Temporary file and rename: a kill leaves either the old file or the complete new one.
-std::optional<QString> writeWhole(const QString& path, const QByteArray& bytes)
+QString systemReason(int error) { return qt_error_string(error); }
+
+// Writes all bytes; the errno of the failure otherwise. A write that takes nothing means the
+// disk is full.
+std::optional<int> writeAll(int fd, const QByteArray& bytes)
 {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return file.errorString();
-    if (file.write(bytes) != bytes.size()) {
-        const QString error = file.errorString();
-        file.cancelWriting();
-        return error;
+    const char* data = bytes.constData();
+    auto left = static_cast<std::size_t>(bytes.size());
+    while (left > 0) {
+        const ssize_t written = ::write(fd, data, left);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return written < 0 ? errno : ENOSPC;
+        data += written;
+        left -= static_cast<std::size_t>(written);
     }
-    if (!file.commit())
-        return file.errorString();
+    if (::fdatasync(fd) != 0)
+        return errno;
     return std::nullopt;
+}
+
+// Creates the file only if no file has the name (O_EXCL), and removes it again when its content
+// cannot be written, so a failed save leaves nothing behind. The errno of the failure otherwise.
+std::optional<int> writeNew(const QString& path, const QByteArray& bytes)
+{
+    const QByteArray nativePath = QFile::encodeName(path);
+    const int fd = ::open(nativePath.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (fd < 0)
+        return errno;
+    std::optional<int> error = writeAll(fd, bytes);
+    if (::close(fd) != 0 && !error)
+        error = errno;
+    if (error)
+        ::unlink(nativePath.constData());
+    return error;
+}
+
+// Temporary file and rename over a file this run created: a kill leaves either the old file or
+// the complete new one. The file keeps its permissions.
+std::optional<int> writeWhole(const QString& path, const QByteArray& bytes)
+{
+    const QByteArray nativePath = QFile::encodeName(path);
+    QByteArray temporary = nativePath + ".XXXXXX";
+    const int fd = ::mkostemp(temporary.data(), O_CLOEXEC);
+    if (fd < 0)
+        return errno;
+    struct stat old {};
+    if (::stat(nativePath.constData(), &old) == 0)
+        ::fchmod(fd, old.st_mode & 07777);
+    std::optional<int> error = writeAll(fd, bytes);
+    if (::close(fd) != 0 && !error)
+        error = errno;
+    if (!error && ::rename(temporary.constData(), nativePath.constData()) != 0)
+        error = errno;
+    if (error)
+        ::unlink(temporary.constData());
+    return error;
 }
 
 // An append only writes past the old end of the file (O_APPEND, no truncation, no rewrite in
@@ -43,29 +87,17 @@ std::optional<QString> appendTail(const QString& path, const QByteArray& bytes, 
     const QByteArray nativePath = QFile::encodeName(path);
     const int fd = ::open(nativePath.constData(), O_WRONLY | O_APPEND | O_CLOEXEC);
     if (fd < 0)
-        return qt_error_string(errno);
-    const char* data = bytes.constData();
-    auto left = static_cast<std::size_t>(bytes.size());
-    while (left > 0) {
-        const ssize_t written = ::write(fd, data, left);
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0) {
-            QString error = qt_error_string(written < 0 ? errno : ENOSPC);
-            // A disk that filled up half-way must not leave half a line behind.
-            if (::ftruncate(fd, static_cast<off_t>(committedBytes)) != 0)
-                error += QStringLiteral(" (the partial lines stay until the next save: %1)").arg(qt_error_string(errno));
-            ::close(fd);
-            return error;
-        }
-        data += written;
-        left -= static_cast<std::size_t>(written);
+        return systemReason(errno);
+    if (const std::optional<int> error = writeAll(fd, bytes)) {
+        QString reason = systemReason(*error);
+        // A disk that filled up half-way must not leave half a line behind.
+        if (::ftruncate(fd, static_cast<off_t>(committedBytes)) != 0)
+            reason += QStringLiteral(" (the partial lines stay until the next save: %1)").arg(systemReason(errno));
+        ::close(fd);
+        return reason;
     }
-    const bool synced = ::fdatasync(fd) == 0;
-    const int syncError = errno;
-    ::close(fd);
-    if (!synced)
-        return qt_error_string(syncError);
+    if (::close(fd) != 0)
+        return systemReason(errno);
     return std::nullopt;
 }
 
@@ -75,6 +107,15 @@ QString SensorLogFile::logFileNameForLaunch(const QDateTime& launchTime)
 {
     return QStringLiteral("/skyvane_%1.csv")
         .arg(ScannerUtils::formatDate(QStringLiteral("MM_dd_YYYY_hh_mm_ss"), launchTime));
+}
+
+QString SensorLogFile::numberedFileName(const QString& logFileName, int attempt)
+{
+    if (attempt <= 1)
+        return logFileName;
+    QString name = logFileName;
+    const qsizetype extension = name.lastIndexOf(QLatin1String(".csv"));
+    return name.insert(extension < 0 ? name.size() : extension, QStringLiteral("-%1").arg(attempt));
 }
 
 QString SensorLogFile::folderForSetting(const QVariant& setting)
@@ -95,7 +136,7 @@ std::chrono::seconds SensorLogFile::savePeriodForSetting(const QVariant& setting
 {
     bool ok = false;
     const double seconds = setting.toDouble(&ok);
-    if (!ok || !std::isfinite(seconds) || seconds < 1.0 || seconds > 86400.0 * 365)
+    if (!ok || !std::isfinite(seconds) || seconds < 1.0 || seconds > static_cast<double>(longestSavePeriod.count()))
         return defaultSavePeriod;
     return std::chrono::seconds(static_cast<long long>(seconds));
 }
@@ -111,35 +152,68 @@ SensorLogFile::SaveReport SensorLogFile::appendToLogFile(const QVariant& folderS
     if (folder.isEmpty())
         return {QLatin1String(selectDirectoryMessage), {}};
     std::lock_guard lock(mutex_);
-    return save(QDir::cleanPath(folder + logFileName_));
+    const QString cleanFolder = QDir::cleanPath(folder);
+    const auto created = created_.find(cleanFolder);
+    if (created != created_.end() && QFileInfo::exists(created->second))
+        return update(created->second);
+    return create(cleanFolder);
 }
 
-SensorLogFile::SaveReport SensorLogFile::save(const QString& path)
+QString SensorLogFile::savedPath()
 {
-    const QFileInfo file(path);
-    if (!file.exists()) {
+    std::lock_guard lock(mutex_);
+    return saved_ ? saved_->path : QString();
+}
+
+qsizetype SensorLogFile::unsavedBytes()
+{
+    std::lock_guard lock(mutex_);
+    const SensorLog::Changes changes = saved_ ? log_.changesSince(saved_->generation, saved_->bytes)
+                                              : log_.changesSince(std::nullopt, 0);
+    return changes.bytes.size();
+}
+
+SensorLogFile::SaveReport SensorLogFile::create(const QString& folder)
+{
+    const SensorLog::Changes changes = log_.changesSince(std::nullopt, 0);
+    for (int attempt = 1; attempt <= namesToTry; ++attempt) {
+        const QString path = QDir::cleanPath(folder + numberedFileName(logFileName_, attempt));
+        const std::optional<int> error = writeNew(path, changes.bytes);
+        if (error == EEXIST)
+            continue;
         SaveReport report{{}, {QStringLiteral("creating file at path %1").arg(path)}};
-        const SensorLog::Changes changes = log_.changesSince(std::nullopt, 0);
-        if (writeWhole(path, changes.bytes)) {
+        if (error) {
             saved_.reset();
             report.console.append(QLatin1String(unableToCreateMessage));
+            report.status = QStringLiteral("Unable to create log file %1: %2").arg(path, systemReason(*error));
         } else {
+            created_[folder] = path;
             remember(path, changes);
         }
         return report;
     }
+    const QString reason = QStringLiteral("Unable to create log file in %1: %2 files of this name exist")
+                               .arg(folder)
+                               .arg(namesToTry);
+    return {reason, {QLatin1String(unableToCreateMessage)}};
+}
 
-    const bool fileIsAsSaved = saved_ && saved_->path == path && file.size() == saved_->bytes;
+SensorLogFile::SaveReport SensorLogFile::update(const QString& path)
+{
+    const bool fileIsAsSaved = saved_ && saved_->path == path && QFileInfo(path).size() == saved_->bytes;
     const SensorLog::Changes changes = fileIsAsSaved ? log_.changesSince(saved_->generation, saved_->bytes)
                                                      : log_.changesSince(std::nullopt, 0);
-    std::optional<QString> error;
-    if (changes.rewrite)
-        error = writeWhole(path, changes.bytes);
-    else if (!changes.bytes.isEmpty())
-        error = appendTail(path, changes.bytes, saved_->bytes);
-    if (error) {
+    std::optional<QString> reason;
+    if (changes.rewrite) {
+        if (const std::optional<int> error = writeWhole(path, changes.bytes))
+            reason = systemReason(*error);
+    } else if (!changes.bytes.isEmpty()) {
+        reason = appendTail(path, changes.bytes, saved_->bytes);
+    }
+    if (reason) {
         saved_.reset();
-        return {*error, {QStringLiteral("error is %1").arg(*error)}};
+        const QString description = QStringLiteral("Unable to save log file %1: %2").arg(path, *reason);
+        return {description, {QStringLiteral("error is %1").arg(description)}};
     }
     remember(path, changes);
     return {};

@@ -1,11 +1,9 @@
 #include "sensor/sensor_log_saver.h"
 
-#include "scan/scanner_utils.h"
-
 namespace sensor {
 
-SensorLogSaver::SensorLogSaver(SensorLogFile& file, SettingReader settings, QObject* parent)
-    : QObject(parent), file_(file), settings_(std::move(settings))
+SensorLogSaver::SensorLogSaver(SensorLogFile& file, core::UserSettings& settings, QObject* parent)
+    : QObject(parent), file_(file), settings_(settings)
 {
 }
 
@@ -16,7 +14,7 @@ SensorLogSaver::~SensorLogSaver()
 
 void SensorLogSaver::startSaveLogFileThread()
 {
-    start(SensorLogFile::savePeriodForSetting(settings_(QLatin1String(SensorLogFile::savePeriodSettingKey))));
+    start(SensorLogFile::savePeriodForSetting(settings_.value(QLatin1String(SensorLogFile::savePeriodSettingKey))));
 }
 
 void SensorLogSaver::start(std::chrono::milliseconds period)
@@ -41,7 +39,7 @@ void SensorLogSaver::stop()
 void SensorLogSaver::appendToLogFile()
 {
     const SensorLogFile::SaveReport report =
-        file_.appendToLogFile(settings_(QLatin1String(SensorLogFile::folderSettingKey)));
+        file_.appendToLogFile(settings_.value(QLatin1String(SensorLogFile::folderSettingKey)));
     for (const QString& message : report.console)
         emit consoleMessage(message);
     if (!report.status.isEmpty())

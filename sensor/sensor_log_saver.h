@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/user_settings.h"
 #include "sensor/sensor_log_file.h"
 
 #include <QObject>
@@ -8,7 +9,6 @@
 
 #include <chrono>
 #include <condition_variable>
-#include <functional>
 #include <mutex>
 #include <thread>
 
@@ -20,10 +20,9 @@ namespace sensor {
 class SensorLogSaver : public QObject {
     Q_OBJECT
 public:
-    using SettingReader = std::function<QVariant(const QString& key)>;
-
-    // settings reads udp_log_file_path at every save and the period at every start.
-    SensorLogSaver(SensorLogFile& file, SettingReader settings, QObject* parent = nullptr);
+    // settings gives udp_log_file_path at every save and the period at every start; it must
+    // outlive the saver and be readable from the save thread.
+    SensorLogSaver(SensorLogFile& file, core::UserSettings& settings, QObject* parent = nullptr);
     ~SensorLogSaver() override;
 
     // Starts saving at the period the settings give; a running save thread is replaced, so
@@ -45,7 +44,7 @@ private:
     void run(std::chrono::milliseconds period);
 
     SensorLogFile& file_;
-    SettingReader settings_;
+    core::UserSettings& settings_;
     std::mutex mutex_;
     std::condition_variable wake_;
     bool stopping_ = false;

@@ -25,8 +25,9 @@ struct ListenRequest {
 std::optional<ListenRequest> parseListenArguments(const QStringList& arguments, QString* error);
 QString listenUsage();
 
-// Runs until SIGINT or SIGTERM, saves the log and returns 0; 1 when the backend or the
-// listener cannot start. Log lines go to out, status lines and console messages to err.
-int runListen(const ListenRequest& request, const core::UserSettings& settings, std::FILE* out, std::FILE* err);
+// Runs until SIGHUP, SIGINT or SIGTERM, saves the log and returns 0; 1 when the backend or the
+// listener cannot start, when out fails (it then stops, saving first) or when lines of the log
+// were never saved. Log lines go to out, status lines and console messages to err.
+int runListen(const ListenRequest& request, core::UserSettings& settings, std::FILE* out, std::FILE* err);
 
 } // namespace cli

@@ -216,15 +216,4 @@ TEST(ScannerUtilsBytes, BinaryAndHexConversions)
     EXPECT_EQ(ScannerUtils::getIntData(QByteArray("\x00\xFF", 2), 2), 0);
 }
 
-TEST(ScannerUtilsHost, AddressRules)
-{
-    const std::pair<QStringList, const char*> cases[] = {{{}, ""},
-        {{"127.0.0.1", "::1"}, "IP address not available"},
-        {{"127.0.0.1", "fe80::1%eth0", "192.168.1.5", "10.0.0.1"}, "192.168.1.5"},
-        {{"::ffff:10.0.0.1", "10.0.0.2"}, "10.0.0.2"}, {{"1.2.3"}, "IP address not available"}};
-    for (const auto& [addresses, ip] : cases) {
-        EXPECT_EQ(ScannerUtils::getIP(addresses), latin1(ip)) << addresses.join(',').toStdString();
-    }
-}
-
 } // namespace

@@ -5,7 +5,11 @@
 // An interface that only reports a fixed snapshot; everything else is unsupported.
 class FakeInterface : public platform::WirelessInterface {
 public:
-    explicit FakeInterface(platform::InterfaceSnapshot snapshot) : snapshot_(std::move(snapshot)) {}
+    explicit FakeInterface(platform::InterfaceSnapshot snapshot,
+                           core::InterfaceGeneration generation = core::InterfaceGeneration::Later)
+        : WirelessInterface(generation), snapshot_(std::move(snapshot))
+    {
+    }
 
     QString interfaceName() const override { return snapshot_.interfaceName; }
     platform::InterfaceSnapshot snapshot() const override { return snapshot_; }

@@ -1,3 +1,4 @@
+#include "core/memory_settings.h"
 #include "sensor/sensor_log.h"
 #include "sensor/sensor_log_file.h"
 #include "sensor/sensor_log_saver.h"
@@ -59,6 +60,14 @@ TEST(SensorLog, HeaderComesFirstAfterLaunchAndAfterEveryClearing)
         EXPECT_EQ(log.text(), c.expected) << c.steps.join(u'|').toStdString();
         EXPECT_EQ(log.shouldAddHeaderToLogFile(), c.expected.isEmpty());
     }
+}
+
+TEST(SensorLog, TextFromTheNetworkCannotSplitARow)
+{
+    SensorLog log;
+    log.writeLog(QStringLiteral("a\nTIME,x\r\nb"));
+    log.writeLog(QString::fromUtf8("nul\0end", 7));
+    EXPECT_EQ(log.text(), header + "a\\nTIME,x\\r\\nb\nnul\\0end\n");
 }
 
 TEST(SensorLog, NewestLinesAreTheTailOfTheWholeLog)
@@ -160,7 +169,39 @@ TEST_F(SensorLogFileTest, FolderSettingFormsAndFailures)
     EXPECT_EQ(unwritable.console,
               QStringList({"creating file at path " + folder + "/with space/skyvane_test.csv/skyvane_test.csv",
                            "unable to create file..."}));
-    EXPECT_TRUE(unwritable.status.isEmpty());
+    EXPECT_EQ(unwritable.status, "Unable to create log file " + folder +
+                                     "/with space/skyvane_test.csv/skyvane_test.csv: Not a directory");
+}
+
+TEST_F(SensorLogFileTest, NeverWritesAFileItDidNotCreate)
+{
+    QFile foreign(path());
+    ASSERT_TRUE(foreign.open(QIODevice::WriteOnly));
+    foreign.write("another run's log\n");
+    foreign.close();
+    // A second listener of the same second in the same folder.
+    SensorLog otherLog;
+    SensorLogFile other(otherLog, QStringLiteral("/skyvane_test.csv"));
+    otherLog.writeLog(QStringLiteral("theirs"));
+    log.writeLog(QStringLiteral("mine"));
+
+    EXPECT_EQ(save().console, QStringList{"creating file at path " + dir.path() + "/skyvane_test-2.csv"});
+    EXPECT_TRUE(other.appendToLogFile(dir.path()).status.isEmpty());
+    log.writeLog(QStringLiteral("mine again"));
+    save();
+    EXPECT_EQ(contents(path()), "another run's log\n");
+    EXPECT_EQ(contents(dir.path() + "/skyvane_test-2.csv"), log.text().toUtf8());
+    EXPECT_EQ(contents(dir.path() + "/skyvane_test-3.csv"), otherLog.text().toUtf8());
+    EXPECT_EQ(file.savedPath(), dir.path() + "/skyvane_test-2.csv");
+    EXPECT_EQ(file.unsavedBytes(), 0);
+    log.writeLog(QStringLiteral("not yet saved"));
+    EXPECT_EQ(file.unsavedBytes(), qsizetype(sizeof "not yet saved"));
+
+    // A file of ours that someone removed is created again, still never over another's.
+    QFile::remove(dir.path() + "/skyvane_test-2.csv");
+    save();
+    EXPECT_EQ(contents(dir.path() + "/skyvane_test-2.csv"), log.text().toUtf8());
+    EXPECT_EQ(contents(path()), "another run's log\n");
 }
 
 TEST(SensorLogFileNames, OneNamePerLaunchAndSavePeriodFallback)
@@ -168,10 +209,13 @@ TEST(SensorLogFileNames, OneNamePerLaunchAndSavePeriodFallback)
     // A twelve-hour clock and the week-based year: the last days of December can belong to the next one.
     EXPECT_EQ(SensorLogFile::logFileNameForLaunch(QDateTime(QDate(2024, 12, 30), QTime(0, 30, 5))),
               "/skyvane_12_30_2025_12_30_05.csv");
+    EXPECT_EQ(SensorLogFile::numberedFileName("/skyvane_1.csv", 1), "/skyvane_1.csv");
+    EXPECT_EQ(SensorLogFile::numberedFileName("/skyvane_1.csv", 12), "/skyvane_1-12.csv");
 
     const std::pair<QVariant, long long> periods[] = {
         {QVariant(), 5}, {QVariant(10), 10}, {QVariant("3"), 3}, {QVariant(2.7), 2},
         {QVariant("soon"), 5}, {QVariant(0), 5}, {QVariant(-4), 5},
+        {QVariant(31536000), 31536000}, {QVariant(31536001), 5},
     };
     for (const auto& [setting, seconds] : periods)
         EXPECT_EQ(SensorLogFile::savePeriodForSetting(setting).count(), seconds) << setting.toString().toStdString();
@@ -182,10 +226,8 @@ TEST(SensorLogSaver, SavesOnItsOwnThreadUntilStopped)
     QTemporaryDir dir;
     SensorLog log;
     SensorLogFile file(log, QStringLiteral("/saver.csv"));
-    std::atomic<bool> folderChosen = false;
-    SensorLogSaver saver(file, [&](const QString& key) {
-        return key == u"udp_log_file_path" && folderChosen ? QVariant(dir.path()) : QVariant();
-    });
+    core::MemorySettings settings;
+    SensorLogSaver saver(file, settings);
     std::atomic<int> selectFolderStatuses = 0;
     QObject::connect(&saver, &SensorLogSaver::statusChanged, [&](const QString& text) {
         if (text == u"Please select directory for log files")
@@ -202,7 +244,7 @@ TEST(SensorLogSaver, SavesOnItsOwnThreadUntilStopped)
     EXPECT_TRUE(waitFor([&] { return selectFolderStatuses >= 2; }));
     EXPECT_FALSE(QFile::exists(dir.path() + "/saver.csv"));
 
-    folderChosen = true;
+    settings.setValue(QStringLiteral("udp_log_file_path"), dir.path());
     log.writeLog(QStringLiteral("second"));
     EXPECT_TRUE(waitFor([&] { return contents(dir.path() + "/saver.csv") == log.text().toUtf8(); }));
 
