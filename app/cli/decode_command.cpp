@@ -19,8 +19,11 @@ void reportFailure(std::FILE* err, const QString& path, const QString& reason)
 
 void writeFrame(JsonWriter& json, std::int64_t frameNumber, const RawBssFacts& facts, const QDateTime& seen)
 {
-    const auto network = std::make_shared<const platform::ScanResult>(deriveScanResult(facts));
-    ScanedResultInfo record = buildRecord(observationFromScanResult(*network, seen), network);
+    const platform::ScanResult scanned = deriveScanResult(facts);
+    // The record dies before this frame ends, so it can view the result without owning it;
+    // a shared copy per frame would be an allocation spent on nothing.
+    const std::shared_ptr<const platform::ScanResult> network(std::shared_ptr<void>(), &scanned);
+    ScanedResultInfo record = buildRecord(observationFromScanResult(scanned, seen), network);
     // Fills the rate list with the HT/VHT rates before it is printed.
     const QString maxDataRate = record.getMaxDataRate();
 
