@@ -1,8 +1,10 @@
+#include "scan/scan_result_derivation.h"
 #include "scan/scaned_result_info.h"
 
 #include <QByteArray>
 
 #include <array>
+#include <cstdlib>
 #include <cstddef>
 #include <cstdint>
 
@@ -17,6 +19,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     record.channelWidth = size > 0 ? widths[data[0] % widths.size()] : 20;
     record.shortGIFor24MhzEnabled = -1;
     record.shortGIFor40MhzEnabled = -1;
+
+    // The derivation walks the same bytes with its own rules for cut-off elements.
+    const platform::ScanResult derived = deriveScanResult(RawBssFacts{record.bssid, 2437, -50, 0, 0, 100, elements});
+    if (derived.informationElementData.size() != elements.size())
+        std::abort();
 
     record.parseInformationElement(elements);
     record.populateMaxDataRate();

@@ -1,11 +1,16 @@
+#include "scan/element_ids.h"
+#include "scan/element_iterator.h"
 #include "scan/ieee_ie_frame_utils.h"
 #include "scan/scaned_result_info.h"
 #include "scan/scanner_utils.h"
+#include "scan/suite_reader.h"
 
 #include <QStringList>
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <optional>
 #include <utility>
 
 // Several fields are read at bit and byte positions that differ from the 802.11 standard.
@@ -17,37 +22,23 @@ namespace {
 
 enum class Walk { Continue, Stop };
 
-constexpr unsigned char idSupportedRates = 1;
-constexpr unsigned char idBssLoad = 11;
-constexpr unsigned char idHtCapabilities = 45;
-constexpr unsigned char idRsn = 48;
-constexpr unsigned char idExtendedRates = 50;
-constexpr unsigned char idMobilityDomain = 54;
-constexpr unsigned char idHtOperation = 61;
-constexpr unsigned char idDeviceName = 133;
-constexpr unsigned char idVendorSpecific = 221;
+namespace element = scan::element;
 
 class ElementWalk {
 public:
-    ElementWalk(ScanedResultInfo& record, const QByteArray& data)
-        : record_(record),
-          bytes_(reinterpret_cast<const unsigned char*>(data.constData())),
-          size_(data.size())
+    ElementWalk(ScanedResultInfo& record, const QByteArray& data) : record_(record), data_(data)
     {
         rates_.reserve(16);
     }
 
     void run()
     {
-        // An ID byte without its length byte ends the walk like any other read past the end.
-        qsizetype pos = 0;
-        while (pos + 1 < size_) {
-            body_ = pos + 2;
-            length_ = bytes_[pos + 1];
-            if (handle(bytes_[pos]) == Walk::Stop) {
+        for (const scan::Element& element : scan::Elements(data_)) {
+            rest_ = element.rest;
+            length_ = element.declaredLength;
+            if (handle(element.id) == Walk::Stop) {
                 break;
             }
-            pos = body_ + length_;
         }
     }
 
@@ -56,36 +47,37 @@ public:
 private:
     // Reads are bounded by the whole string, not by the element: a short element reads on
     // into the next one, which is what the fixed offsets have always done.
-    bool readable(qsizetype index, qsizetype count = 1) const { return body_ + index + count <= size_; }
-    unsigned char body(qsizetype index) const { return bytes_[body_ + index]; }
-    QString latin1(qsizetype index, qsizetype count) const
+    bool readable(std::size_t index, std::size_t count = 1) const { return rest_.has(index, count); }
+    unsigned char body(std::size_t index) const { return rest_[index]; }
+    QString latin1(std::size_t index, std::size_t count) const
     {
-        return QString::fromLatin1(reinterpret_cast<const char*>(bytes_ + body_ + index), count);
+        return QString::fromLatin1(reinterpret_cast<const char*>(rest_.data() + index),
+                                   static_cast<qsizetype>(count));
     }
 
     Walk handle(unsigned char id)
     {
         switch (id) {
-        case idSupportedRates:
+        case element::SupportedRates:
             return rates(true);
-        case idExtendedRates:
+        case element::ExtendedRates:
             return rates(false);
-        case idBssLoad:
+        case element::BssLoad:
             bssLoad();
             return Walk::Continue;
-        case idHtCapabilities:
+        case element::HtCapabilities:
             htCapabilities();
             return Walk::Continue;
-        case idRsn:
+        case element::Rsn:
             return rsn();
-        case idMobilityDomain:
+        case element::MobilityDomain:
             return mobilityDomain();
-        case idHtOperation:
+        case element::HtOperation:
             return htOperation();
-        case idDeviceName:
+        case element::DeviceName:
             deviceName();
             return Walk::Continue;
-        case idVendorSpecific:
+        case element::VendorSpecific:
             return vendorSpecific();
         default:
             return Walk::Continue;
@@ -94,7 +86,7 @@ private:
 
     Walk rates(bool stripBasicMark)
     {
-        for (qsizetype i = 0; i < length_; ++i) {
+        for (std::size_t i = 0; i < length_; ++i) {
             if (!readable(i)) {
                 return Walk::Stop;
             }
@@ -131,17 +123,12 @@ private:
         }
     }
 
-    bool isIeeeOui(qsizetype index) const
-    {
-        return body(index) == 0x00 && body(index + 1) == 0x0F && body(index + 2) == 0xAC;
-    }
-
     Walk rsn()
     {
         if (!readable(2, 3)) {
             return Walk::Stop;
         }
-        if (isIeeeOui(2)) {
+        if (rest_.startsWith(2, element::IeeeOui)) {
             if (!readable(5)) {
                 return Walk::Stop;
             }
@@ -154,16 +141,17 @@ private:
         }
         // Only the low byte of the count is used, and at most two suites were ever decoded.
         const int decoded = std::min<int>(body(6), 2);
+        scan::SuiteReader suites(rest_, 8);
         QString pairwise = QStringLiteral("");
         for (int i = 0; i < decoded; ++i) {
-            const qsizetype suite = 8 + 4 * i;
-            if (!readable(suite, 4)) {
+            const std::optional<scan::Suite> suite = suites.suite();
+            if (!suite) {
                 return Walk::Stop;
             }
-            if (!isIeeeOui(suite)) {
+            if (!suite->hasOui(element::IeeeOui)) {
                 continue;
             }
-            const QString name = IEEE_IE_FrameUtils::resolveCipherType(body(suite + 3));
+            const QString name = IEEE_IE_FrameUtils::resolveCipherType(suite->type);
             pairwise += pairwise.isEmpty() ? name : QStringLiteral(" + ") + name;
         }
         record_.pairWiseChiperEncryption = pairwise;
@@ -244,20 +232,20 @@ private:
             return Walk::Stop;
         }
         const unsigned char type = body(3);
-        if (type == 4) {
+        if (type == element::WpsVendorType) {
             record_.isWPS = 1;
             return Walk::Continue;
         }
-        if (type != 1) {
+        if (type != element::ApNameVendorType) {
             return Walk::Continue;
         }
         if (!readable(4)) {
             return Walk::Stop;
         }
-        if (body(4) != 3) {
+        if (body(4) != element::ApNameVendorSubtype) {
             return Walk::Continue;
         }
-        const qsizetype nameLength = std::max<qsizetype>(length_ - 5, 0);
+        const std::size_t nameLength = length_ > 5 ? length_ - 5 : 0;
         if (!readable(5, nameLength)) {
             return Walk::Stop;
         }
@@ -266,10 +254,9 @@ private:
     }
 
     ScanedResultInfo& record_;
-    const unsigned char* bytes_;
-    qsizetype size_;
-    qsizetype body_ = 0;
-    qsizetype length_ = 0;
+    const QByteArray& data_;
+    scan::ByteReader rest_;
+    std::size_t length_ = 0;
     QStringList rates_;
 };
 

@@ -1,5 +1,9 @@
 #include "scan/scan_result_derivation.h"
 
+#include "scan/element_ids.h"
+#include "scan/element_iterator.h"
+#include "scan/suite_reader.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -13,19 +17,8 @@ using platform::ChannelWidthCode;
 constexpr std::uint16_t capabilityIbss = 0x0002;
 constexpr std::uint16_t capabilityPrivacy = 0x0010;
 
-enum ElementId : std::uint8_t {
-    IdSsid = 0,
-    IdSupportedRates = 1,
-    IdDsParameterSet = 3,
-    IdCountry = 7,
-    IdHtCapabilities = 45,
-    IdRsn = 48,
-    IdExtendedRates = 50,
-    IdHtOperation = 61,
-    IdVhtCapabilities = 191,
-    IdVhtOperation = 192,
-    IdVendorSpecific = 221,
-};
+namespace element = scan::element;
+using scan::ByteReader;
 
 // Authentication families seen in the AKM lists of the RSN and WPA elements.
 enum AkmBit : unsigned {
@@ -35,32 +28,26 @@ enum AkmBit : unsigned {
     AkmSae = 1u << 3,
 };
 
-struct Span {
-    const std::uint8_t* data = nullptr;
-    std::size_t size = 0;
-
-    bool present() const { return data != nullptr; }
-    std::uint8_t at(std::size_t i) const { return data[i]; }
-};
-
-// What one walk over the elements collects; first occurrence of each element wins, as for the SSID.
+// What one walk over the elements collects. The first occurrence of each element wins, as for
+// the SSID, except HT Operation: the element parser keeps the last one's secondary-channel
+// offset, and the width must come from that same element.
 struct ElementFacts {
-    Span ssid;
-    Span dsParameterSet;
-    Span country;
-    Span htOperation;
-    Span vhtOperation;
-    Span rsn;
-    Span wpa;
+    std::optional<ByteReader> ssid;
+    std::optional<ByteReader> dsParameterSet;
+    std::optional<ByteReader> country;
+    std::optional<ByteReader> htOperation;
+    std::optional<ByteReader> vhtOperation;
+    std::optional<ByteReader> rsn;
+    std::optional<ByteReader> wpa;
     bool hasHtCapabilities = false;
     bool hasVhtCapabilities = false;
     bool hasCckRate = false;
     bool hasOfdmRate = false;
 };
 
-void noteRates(const std::uint8_t* rates, std::size_t count, ElementFacts& facts)
+void noteRates(const ByteReader& rates, ElementFacts& facts)
 {
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < rates.size(); ++i) {
         switch (rates[i] & 0x7F) {
         case 2: case 4: case 11: case 22:
             facts.hasCckRate = true;
@@ -74,84 +61,62 @@ void noteRates(const std::uint8_t* rates, std::size_t count, ElementFacts& facts
     }
 }
 
-bool isWpaVendorElement(const std::uint8_t* body, std::size_t size)
+bool isWpaVendorElement(const ByteReader& body)
 {
-    return size >= 4 && body[0] == 0x00 && body[1] == 0x50 && body[2] == 0xF2 && body[3] == 0x01;
+    return body.startsWith(0, element::MicrosoftOui) && body.at(3) == element::WpaVendorType;
 }
 
-void keepFirst(Span& slot, const std::uint8_t* body, std::size_t size)
+void keepFirst(std::optional<ByteReader>& slot, const ByteReader& body)
 {
-    if (!slot.present())
-        slot = Span{body, size};
+    if (!slot)
+        slot = body;
 }
 
 // An element whose length runs past the end ends the walk: nothing after it can be trusted.
 ElementFacts walkElements(const QByteArray& bytes)
 {
     ElementFacts facts;
-    const auto* data = reinterpret_cast<const std::uint8_t*>(bytes.constData());
-    const std::size_t total = static_cast<std::size_t>(bytes.size());
-    std::size_t pos = 0;
-    while (pos + 2 <= total) {
-        const std::uint8_t id = data[pos];
-        const std::size_t size = data[pos + 1];
-        const std::uint8_t* body = data + pos + 2;
-        if (size > total - pos - 2)
+    for (const scan::Element& e : scan::Elements(bytes)) {
+        if (!e.complete())
             break;
-        switch (id) {
-        case IdSsid: keepFirst(facts.ssid, body, size); break;
-        case IdDsParameterSet: keepFirst(facts.dsParameterSet, body, size); break;
-        case IdCountry: keepFirst(facts.country, body, size); break;
-        case IdHtOperation: keepFirst(facts.htOperation, body, size); break;
-        case IdVhtOperation: keepFirst(facts.vhtOperation, body, size); break;
-        case IdRsn: keepFirst(facts.rsn, body, size); break;
-        case IdHtCapabilities: facts.hasHtCapabilities = true; break;
-        case IdVhtCapabilities: facts.hasVhtCapabilities = true; break;
-        case IdSupportedRates:
-        case IdExtendedRates: noteRates(body, size, facts); break;
-        case IdVendorSpecific:
-            if (isWpaVendorElement(body, size))
-                keepFirst(facts.wpa, body, size);
+        switch (e.id) {
+        case element::Ssid: keepFirst(facts.ssid, e.body); break;
+        case element::DsParameterSet: keepFirst(facts.dsParameterSet, e.body); break;
+        case element::Country: keepFirst(facts.country, e.body); break;
+        case element::HtOperation: facts.htOperation = e.body; break;
+        case element::VhtOperation: keepFirst(facts.vhtOperation, e.body); break;
+        case element::Rsn: keepFirst(facts.rsn, e.body); break;
+        case element::HtCapabilities: facts.hasHtCapabilities = true; break;
+        case element::VhtCapabilities: facts.hasVhtCapabilities = true; break;
+        case element::SupportedRates:
+        case element::ExtendedRates: noteRates(e.body, facts); break;
+        case element::VendorSpecific:
+            if (isWpaVendorElement(e.body))
+                keepFirst(facts.wpa, e.body);
             break;
         default: break;
         }
-        pos += 2 + size;
     }
     return facts;
 }
 
-std::uint16_t readLe16(const std::uint8_t* p) { return static_cast<std::uint16_t>(p[0] | (p[1] << 8)); }
-
-// Walks "count, suites" lists from offset; returns the offset after the list, or nullopt when
-// the count runs past the body. Complete suites before the end are still handed over, because
-// real APs ship truncated RSN elements whose leading suites are sound.
-template <typename OnSuite>
-std::optional<std::size_t> walkSuiteList(const Span& body, std::size_t offset, OnSuite onSuite)
+// The AKM list follows the pairwise list; a pairwise list cut short leaves no AKMs to read.
+template <typename OnAkm>
+void readAkms(const ByteReader& body, std::size_t pairwiseList, OnAkm onAkm)
 {
-    if (offset + 2 > body.size)
-        return std::nullopt;
-    const std::size_t count = readLe16(body.data + offset);
-    offset += 2;
-    for (std::size_t i = 0; i < count; ++i) {
-        if (offset + 4 > body.size)
-            return std::nullopt;
-        onSuite(body.data + offset);
-        offset += 4;
-    }
-    return offset;
+    scan::SuiteReader reader(body, pairwiseList);
+    if (reader.list([](const scan::Suite&) {}))
+        reader.list(onAkm);
 }
 
-unsigned rsnAkms(const Span& rsn)
+unsigned rsnAkms(const ByteReader& rsn)
 {
-    // Version (2) and group cipher (4) come before the pairwise list.
-    const auto afterPairwise = walkSuiteList(rsn, 6, [](const std::uint8_t*) {});
-    if (!afterPairwise)
-        return 0;
     unsigned akms = 0;
-    walkSuiteList(rsn, *afterPairwise, [&akms](const std::uint8_t* suite) {
-        if (suite[0] != 0x00 || suite[1] != 0x0F || suite[2] != 0xAC)
+    // Version (2) and group cipher (4) come before the pairwise list.
+    readAkms(rsn, 6, [&akms](const scan::Suite& suite) {
+        if (!suite.hasOui(element::IeeeOui))
             return;
-        switch (suite[3]) {
+        switch (suite.type) {
         case 1: case 3: case 5: akms |= AkmEnterprise; break;
         case 11: case 12: case 13: akms |= AkmSuiteB; break;
         case 2: case 4: case 6: akms |= AkmPsk; break;
@@ -162,19 +127,16 @@ unsigned rsnAkms(const Span& rsn)
     return akms;
 }
 
-unsigned wpaAkms(const Span& wpa)
+unsigned wpaAkms(const ByteReader& wpa)
 {
-    // OUI and type (4), version (2) and group cipher (4) come before the pairwise list.
-    const auto afterPairwise = walkSuiteList(wpa, 10, [](const std::uint8_t*) {});
-    if (!afterPairwise)
-        return 0;
     unsigned akms = 0;
-    walkSuiteList(wpa, *afterPairwise, [&akms](const std::uint8_t* suite) {
-        if (suite[0] != 0x00 || suite[1] != 0x50 || suite[2] != 0xF2)
+    // OUI and type (4), version (2) and group cipher (4) come before the pairwise list.
+    readAkms(wpa, 10, [&akms](const scan::Suite& suite) {
+        if (!suite.hasOui(element::MicrosoftOui))
             return;
-        if (suite[3] == 1)
+        if (suite.type == 1)
             akms |= AkmEnterprise;
-        else if (suite[3] == 2)
+        else if (suite.type == 2)
             akms |= AkmPsk;
     });
     return akms;
@@ -182,13 +144,13 @@ unsigned wpaAkms(const Span& wpa)
 
 int securityMode(const ElementFacts& facts, std::uint16_t capabilityInfo)
 {
-    const bool hasRsn = facts.rsn.present();
-    const bool hasWpa = facts.wpa.present();
+    const bool hasRsn = facts.rsn.has_value();
+    const bool hasWpa = facts.wpa.has_value();
     if (!hasRsn && !hasWpa)
         return (capabilityInfo & capabilityPrivacy) ? platform::SecurityWEP : platform::SecurityNone;
 
-    const unsigned rsn = hasRsn ? rsnAkms(facts.rsn) : 0;
-    const unsigned wpa = hasWpa ? wpaAkms(facts.wpa) : 0;
+    const unsigned rsn = hasRsn ? rsnAkms(*facts.rsn) : 0;
+    const unsigned wpa = hasWpa ? wpaAkms(*facts.wpa) : 0;
 
     if (rsn & AkmSae)
         return platform::SecurityPersonal;
@@ -213,10 +175,10 @@ int securityMode(const ElementFacts& facts, std::uint16_t capabilityInfo)
 
 int channelFromElements(const ElementFacts& facts)
 {
-    if (facts.dsParameterSet.size >= 1 && facts.dsParameterSet.at(0) != 0)
-        return facts.dsParameterSet.at(0);
-    if (facts.htOperation.size >= 1 && facts.htOperation.at(0) != 0)
-        return facts.htOperation.at(0);
+    for (const auto& element : {facts.dsParameterSet, facts.htOperation}) {
+        if (element && element->has(0) && (*element)[0] != 0)
+            return (*element)[0];
+    }
     return 0;
 }
 
@@ -231,10 +193,11 @@ ChannelBand bandForFrequency(int frequencyMhz)
 
 ChannelWidthCode widthFromElements(const ElementFacts& facts)
 {
-    if (facts.vhtOperation.size >= 3) {
-        const int field = facts.vhtOperation.at(0);
-        const int segment0 = facts.vhtOperation.at(1);
-        const int segment1 = facts.vhtOperation.at(2);
+    if (facts.vhtOperation && facts.vhtOperation->has(0, 3)) {
+        const ByteReader& vht = *facts.vhtOperation;
+        const int field = vht[0];
+        const int segment0 = vht[1];
+        const int segment1 = vht[2];
         // Field 3 is the retired way to announce 80+80; field 1 with a distant second
         // segment is the current one. Both are reported as 160 MHz.
         if (field == 2 || field == 3)
@@ -246,8 +209,8 @@ ChannelWidthCode widthFromElements(const ElementFacts& facts)
             return (gap == 8 || gap > 16) ? ChannelWidthCode::Width160MHz : ChannelWidthCode::Width80MHz;
         }
     }
-    if (facts.htOperation.size >= 2) {
-        const std::uint8_t info = facts.htOperation.at(1);
+    if (facts.htOperation && facts.htOperation->has(1)) {
+        const std::uint8_t info = (*facts.htOperation)[1];
         const int offset = info & 0x03;
         if ((offset == 1 || offset == 3) && (info & 0x04))
             return ChannelWidthCode::Width40MHz;
@@ -358,9 +321,9 @@ platform::ScanResult deriveScanResult(const RawBssFacts& facts)
     const ElementFacts elements = walkElements(facts.informationElements);
     platform::ScanResult result;
 
-    if (elements.ssid.present()) {
-        result.ssidData = QByteArray(reinterpret_cast<const char*>(elements.ssid.data),
-                                     static_cast<qsizetype>(elements.ssid.size));
+    if (elements.ssid) {
+        result.ssidData = QByteArray(reinterpret_cast<const char*>(elements.ssid->data()),
+                                     static_cast<qsizetype>(elements.ssid->size()));
     }
     result.ssid = derivation::ssidText(result.ssidData);
     result.bssid = facts.bssid;
@@ -376,8 +339,8 @@ platform::ScanResult deriveScanResult(const RawBssFacts& facts)
     result.channelWidth = widthFromElements(elements);
     result.phyModes = phyModes(elements, result.channelBand);
 
-    if (elements.country.size >= 2) {
-        result.countryCode = QString::fromLatin1(reinterpret_cast<const char*>(elements.country.data), 2);
+    if (elements.country && elements.country->has(0, 2)) {
+        result.countryCode = QString::fromLatin1(reinterpret_cast<const char*>(elements.country->data()), 2);
     }
 
     result.ibss = (facts.capabilityInfo & capabilityIbss) != 0;

@@ -20,10 +20,13 @@ void reportFailure(std::FILE* err, const QString& path, const QString& reason)
 
 void writeFrame(JsonWriter& json, std::int64_t frameNumber, const RawBssFacts& facts, const QDateTime& seen)
 {
-    const auto network = std::make_shared<const platform::ScanResult>(deriveScanResult(facts));
-        // Decoding reads nothing of the user's: no tags, no stored names.
+    const platform::ScanResult scanned = deriveScanResult(facts);
+    // The record dies before this frame ends, so it can view the result without owning it;
+    // a shared copy per frame would be an allocation spent on nothing.
+    const std::shared_ptr<const platform::ScanResult> network(std::shared_ptr<void>(), &scanned);
+    // Decoding reads nothing of the user's: no tags, no stored names.
     static const core::MemorySettings noUserSettings;
-    ScanedResultInfo record = buildRecord(observationFromScanResult(*network, seen, core::InterfaceGeneration::Later),
+    ScanedResultInfo record = buildRecord(observationFromScanResult(scanned, seen, core::InterfaceGeneration::Later),
                                           network, core::InterfaceGeneration::Later, noUserSettings);
     // Fills the rate list with the HT/VHT rates before it is printed.
     const QString maxDataRate = record.getMaxDataRate();

@@ -1,5 +1,6 @@
 #include "app/cli/json_writer.h"
 
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -10,6 +11,14 @@ constexpr char hexDigits[] = "0123456789abcdef";
 
 // Worst case per UTF-16 unit: a control character as \u00XX.
 constexpr std::size_t maxBytesPerUnit = 6;
+
+// ASCII that goes out as it stands: one table look-up per unit in the common case.
+constexpr auto plainAscii = [] {
+    std::array<bool, 128> plain{};
+    for (std::size_t c = 0x20; c < 0x80; ++c)
+        plain[c] = c != '"' && c != '\\';
+    return plain;
+}();
 
 } // namespace
 
@@ -104,7 +113,7 @@ void JsonWriter::string(const QString& text, char lead)
     *p++ = '"';
     for (std::size_t i = 0; i < size; ++i) {
         const char16_t c = units[i];
-        if (c >= 0x20 && c < 0x80 && c != u'"' && c != u'\\') {
+        if (c < 0x80 && plainAscii[c]) {
             *p++ = static_cast<char>(c);
             continue;
         }

@@ -1,78 +1,56 @@
 #include "app/cli/network_summary.h"
 
+#include "scan/element_ids.h"
+#include "scan/element_iterator.h"
+#include "scan/suite_reader.h"
+
 #include <QStringList>
 
-#include <algorithm>
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 
 namespace cli {
 namespace {
 
-constexpr std::uint8_t kIdHtCapabilities = 45;
-constexpr std::uint8_t kIdRsn = 48;
-constexpr std::uint8_t kIdHtOperation = 61;
-constexpr std::uint8_t kIdVendorSpecific = 221;
+namespace element = scan::element;
+using scan::ByteReader;
 
-struct Bytes {
-    const std::uint8_t* data = nullptr;
-    std::size_t size = 0;
-};
-
-// The body of the first element with this id (and, for vendor elements, this 4-byte prefix).
-std::optional<Bytes> findElement(const QByteArray& elements, std::uint8_t id, const char* vendorPrefix = nullptr)
+// The body of the first complete element that matches; a cut-off element ends the search.
+template <typename Matches>
+std::optional<ByteReader> findElement(const QByteArray& elements, Matches matches)
 {
-    const auto* data = reinterpret_cast<const std::uint8_t*>(elements.constData());
-    const auto total = static_cast<std::size_t>(elements.size());
-    std::size_t pos = 0;
-    while (pos + 2 <= total) {
-        const std::size_t size = data[pos + 1];
-        if (size > total - pos - 2)
+    for (const scan::Element& e : scan::Elements(elements)) {
+        if (!e.complete())
             break;
-        const std::uint8_t* body = data + pos + 2;
-        if (data[pos] == id
-            && (!vendorPrefix || (size >= 4 && std::equal(body, body + 4, reinterpret_cast<const std::uint8_t*>(vendorPrefix)))))
-            return Bytes{body, size};
-        pos += 2 + size;
+        if (matches(e))
+            return e.body;
     }
     return std::nullopt;
 }
 
-// Reads the suite lists of an RSN or WPA element; a list cut short keeps the suites read so far.
-class SuiteReader {
-public:
-    SuiteReader(Bytes body, std::size_t start) : body_(body), pos_(start) {}
+std::optional<ByteReader> findElement(const QByteArray& elements, std::uint8_t id)
+{
+    return findElement(elements, [id](const scan::Element& e) { return e.id == id; });
+}
 
-    std::optional<std::uint8_t> suite()
-    {
-        if (pos_ + 4 > body_.size)
-            return std::nullopt;
-        const std::uint8_t type = body_.data[pos_ + 3];
-        pos_ += 4;
-        return type;
+bool isWpaElement(const scan::Element& e)
+{
+    return e.id == element::VendorSpecific && e.body.startsWith(0, element::MicrosoftOui)
+        && e.body.at(3) == element::WpaVendorType;
+}
+
+// The body of the last complete HT Operation element: the one whose offset the parser keeps.
+std::optional<ByteReader> lastHtOperation(const QByteArray& elements)
+{
+    std::optional<ByteReader> last;
+    for (const scan::Element& e : scan::Elements(elements)) {
+        if (!e.complete())
+            break;
+        if (e.id == element::HtOperation)
+            last = e.body;
     }
-
-    QList<std::uint8_t> suiteList()
-    {
-        QList<std::uint8_t> suites;
-        if (pos_ + 2 > body_.size)
-            return suites;
-        const unsigned count = body_.data[pos_] | (body_.data[pos_ + 1] << 8);
-        pos_ += 2;
-        for (unsigned i = 0; i < count; ++i) {
-            const auto type = suite();
-            if (!type)
-                break;
-            suites.append(*type);
-        }
-        return suites;
-    }
-
-private:
-    Bytes body_;
-    std::size_t pos_;
-};
+    return last;
+}
 
 QString cipherName(std::uint8_t type)
 {
@@ -122,15 +100,23 @@ QString joinNames(const QList<std::uint8_t>& types, QString (*name)(std::uint8_t
     return names.join(QLatin1Char(','));
 }
 
-// Fields the element leaves out take their defaults: CCMP for RSN, TKIP for WPA, 802.1X for both.
-QString describeSuites(QString label, Bytes body, std::size_t firstSuite, std::uint8_t defaultCipher)
+QList<std::uint8_t> suiteTypes(scan::SuiteReader& reader)
 {
-    SuiteReader reader(body, firstSuite);
-    const std::uint8_t group = reader.suite().value_or(defaultCipher);
-    QList<std::uint8_t> pairwise = reader.suiteList();
+    QList<std::uint8_t> types;
+    reader.list([&types](const scan::Suite& suite) { types.append(suite.type); });
+    return types;
+}
+
+// Fields the element leaves out take their defaults: CCMP for RSN, TKIP for WPA, 802.1X for both.
+QString describeSuites(QString label, const ByteReader& body, std::size_t firstSuite, std::uint8_t defaultCipher)
+{
+    scan::SuiteReader reader(body, firstSuite);
+    const auto groupSuite = reader.suite();
+    const std::uint8_t group = groupSuite ? groupSuite->type : defaultCipher;
+    QList<std::uint8_t> pairwise = suiteTypes(reader);
     if (pairwise.isEmpty())
         pairwise = {defaultCipher};
-    QList<std::uint8_t> akms = reader.suiteList();
+    QList<std::uint8_t> akms = suiteTypes(reader);
     if (akms.isEmpty())
         akms = {1};
     if (label == u"WPA2") {
@@ -153,9 +139,9 @@ QString securitySummary(const platform::ScanResult& network)
     const QByteArray& elements = network.informationElementData;
     QStringList parts;
     // The WPA element body starts with its 4-byte vendor prefix and a 2-byte version; RSN has the version only.
-    if (const auto wpa = findElement(elements, kIdVendorSpecific, "\x00\x50\xF2\x01"))
+    if (const auto wpa = findElement(elements, isWpaElement))
         parts.append(describeSuites(QStringLiteral("WPA"), *wpa, 6, 2));
-    if (const auto rsn = findElement(elements, kIdRsn))
+    if (const auto rsn = findElement(elements, element::Rsn))
         parts.append(describeSuites(QStringLiteral("WPA2"), *rsn, 2, 4));
     if (!parts.isEmpty())
         return parts.join(QLatin1Char(' '));
@@ -167,10 +153,10 @@ QString channelSummary(const platform::ScanResult& network)
     QString text = QString::number(network.channelNumber);
     if (network.channelWidth != platform::ChannelWidthCode::Width40MHz)
         return text;
-    const auto operation = findElement(network.informationElementData, kIdHtOperation);
-    if (!operation || operation->size < 2)
+    const auto operation = lastHtOperation(network.informationElementData);
+    if (!operation || !operation->has(1))
         return text;
-    switch (operation->data[1] & 0x03) {
+    switch ((*operation)[1] & 0x03) {
     case 1: return text + QStringLiteral(",+1");
     case 3: return text + QStringLiteral(",-1");
     default: return text;
@@ -179,7 +165,7 @@ QString channelSummary(const platform::ScanResult& network)
 
 bool hasHtCapabilities(const QByteArray& elements)
 {
-    return findElement(elements, kIdHtCapabilities).has_value();
+    return findElement(elements, element::HtCapabilities).has_value();
 }
 
 } // namespace cli

@@ -1,10 +1,11 @@
+#include "scan/element_iterator.h"
 #include "scan/scaned_result_info.h"
-#include "scan/scanner_utils.h"
-
+#include "scan/suite_reader.h"
 
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -117,6 +118,7 @@ TEST(InformationElementParser, AccessPointNamesAndWps)
 
     EXPECT_TRUE(parsed("DD 05 000B86 01 03").apname.isEmpty());
     EXPECT_EQ(parsed("DD 0C 000B86 01 03 6C6F6262792D31").apname, QStringLiteral("lobby-1"));
+    EXPECT_TRUE(parsed("DD 0C 000B86 01 03 6C6F62").apname.isNull());
 }
 
 // Reads run on into the next element; a read past the end stops the walk except in the
@@ -152,6 +154,56 @@ TEST(InformationElementParser, ReadsPastTheEnd)
     EXPECT_EQ(empty.supportedDataRates, QStringList());
     EXPECT_EQ(empty.protectionMode, QStringLiteral("Disabled"));
     EXPECT_EQ(empty.mobilityDomain, QStringLiteral("N/A"));
+}
+
+// What the one element walk yields for cut-off, overlong and empty elements: "id:declared:body"
+// with a "!" for an element that runs past the end.
+TEST(ElementIterator, TruncatedAndOverlongElements)
+{
+    const struct { const char* hex; std::vector<std::string> elements; } cases[] = {
+        {"", {}},
+        {"01", {}},
+        {"01 00", {"1:0:"}},
+        {"01 02 8284 32 01 0c", {"1:2:8284", "50:1:0c"}},
+        {"01 04 8284", {"1:4:8284!"}},
+        {"01 02 8284 32", {"1:2:8284"}},
+        {"dd ff 0050f2", {"221:255:0050f2!"}},
+        {"00 00 00 00 03 01", {"0:0:", "0:0:", "3:1:!"}},
+    };
+    for (const auto& c : cases) {
+        const QByteArray bytes = QByteArray::fromHex(c.hex);
+        std::vector<std::string> seen;
+        for (const scan::Element& e : scan::Elements(bytes)) {
+            const QByteArray body(reinterpret_cast<const char*>(e.body.data()), static_cast<qsizetype>(e.body.size()));
+            seen.push_back(std::to_string(e.id) + ":" + std::to_string(e.declaredLength) + ":"
+                           + body.toHex().toStdString() + (e.complete() ? "" : "!"));
+        }
+        EXPECT_EQ(seen, c.elements) << c.hex;
+    }
+}
+
+// Suites come out whole or not at all; a list cut short keeps its leading suites and ends the reading.
+TEST(ElementIterator, SuiteListsStopAtTheCut)
+{
+    const struct { const char* hex; std::vector<int> first; std::vector<int> second; bool firstComplete; } cases[] = {
+        {"0100 000fac04 0200 000fac02 000fac04", {4}, {2, 4}, true},
+        {"0300 000fac04 000fac02", {4, 2}, {}, false},
+        {"0100 000fac", {}, {}, false},
+        {"01", {}, {}, false},
+        {"0000 0100 0050f201", {}, {1}, true},
+        {"ffff 000fac04 000fac08 00", {4, 8}, {}, false},
+    };
+    for (const auto& c : cases) {
+        const QByteArray bytes = QByteArray::fromHex(c.hex);
+        scan::SuiteReader reader(scan::ByteReader(bytes), 0);
+        std::vector<int> first;
+        std::vector<int> second;
+        EXPECT_EQ(reader.list([&first](const scan::Suite& s) { first.push_back(s.type); }), c.firstComplete) << c.hex;
+        reader.list([&second](const scan::Suite& s) { second.push_back(s.type); });
+        EXPECT_EQ(first, c.first) << c.hex;
+        EXPECT_EQ(second, c.second) << c.hex;
+        EXPECT_FALSE(reader.suite().has_value()) << c.hex;
+    }
 }
 
 }  // namespace

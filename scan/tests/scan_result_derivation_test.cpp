@@ -1,4 +1,5 @@
 #include "scan/scan_result_derivation.h"
+#include "scan/scaned_result_info.h"
 
 #include <gtest/gtest.h>
 
@@ -99,6 +100,25 @@ TEST(Derivation, ChannelWidth)
     };
     for (const auto& [elements, width] : cases)
         EXPECT_EQ(derive(elements).channelWidth, width) << elements.toHex().constData();
+}
+
+// A beacon with two HT Operation elements that disagree: the width the derivation reports and
+// the secondary-channel offset the parser keeps must both come from the last one.
+TEST(Derivation, RepeatedHtOperationUsesTheLastForWidthAndOffset)
+{
+    const struct { QByteArray elements; ChannelWidthCode width; std::int64_t offset; } cases[] = {
+        {ie(61, {6, 0x07, 0}) + ie(61, {6, 0x04, 0}), ChannelWidthCode::Width20MHz, 0},
+        {ie(61, {6, 0x04, 0}) + ie(61, {6, 0x05, 0}), ChannelWidthCode::Width40MHz, 1},
+        {ie(61, {6, 0x05, 0}) + ie(61, {6, 0x07, 0}), ChannelWidthCode::Width40MHz, -1},
+    };
+    for (const auto& c : cases) {
+        const ScanResult result = derive(c.elements);
+        EXPECT_EQ(result.channelWidth, c.width) << c.elements.toHex().constData();
+        ScanedResultInfo record;
+        record.channelWidth = result.channelWidth == ChannelWidthCode::Width40MHz ? 40 : 20;
+        record.parseInformationElement(c.elements);
+        EXPECT_EQ(record.channelOffset, c.offset) << c.elements.toHex().constData();
+    }
 }
 
 TEST(Derivation, PhyModesAndCountry)

@@ -4,10 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
+#include <QDirIterator>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
@@ -177,4 +181,56 @@ TEST(DecodeCommand, BadArgumentsPrintUsage)
         EXPECT_TRUE(run.lines.isEmpty());
         EXPECT_TRUE(run.err.startsWith("usage: skyvane-cli")) << run.err.constData();
     }
+}
+
+namespace {
+
+// Every file under root with its size and modification time.
+QStringList fileStates(const QString& root)
+{
+    QStringList states;
+    QDirIterator it(root, QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QFileInfo info(it.next());
+        states << QStringLiteral("%1 %2 %3").arg(info.filePath()).arg(info.size())
+                      .arg(info.lastModified().toMSecsSinceEpoch());
+    }
+    states.sort();
+    return states;
+}
+
+} // namespace
+
+// Decoding is reading only: access-point names and everything else stay in the output, and no
+// setting or other file is created or touched in the user's home or configuration folders.
+TEST(DecodeCommand, WritesNothing)
+{
+    REQUIRE_CAPTURES();
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    ASSERT_TRUE(QDir(dir.path()).mkpath("config/skyvane") && QDir(dir.path()).mkpath("home"));
+    QFile existing(dir.filePath("config/skyvane/skyvane.conf"));
+    ASSERT_TRUE(existing.open(QIODevice::WriteOnly));
+    existing.write("[General]\nscanInterval=5\n");
+    existing.close();
+    const QStringList before = fileStates(dir.path());
+
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("HOME", dir.filePath("home"));
+    environment.insert("XDG_CONFIG_HOME", dir.filePath("config"));
+    environment.insert("XDG_DATA_HOME", dir.filePath("home/.local/share"));
+    environment.insert("XDG_CACHE_HOME", dir.filePath("home/.cache"));
+    environment.insert("XDG_STATE_HOME", dir.filePath("home/.local/state"));
+    for (const char* file : {"pypacker_packets_prism.pcap", "aircrack-ng_n-02.cap"}) {
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.start(QStringLiteral(SKYVANE_BINARY_DIR "/app/cli/skyvane-cli"), {"decode", captures + file});
+        ASSERT_TRUE(process.waitForFinished(60000));
+        EXPECT_EQ(process.exitCode(), 0) << file;
+        const QByteArray out = process.readAllStandardOutput();
+        if (QByteArray(file).startsWith("pypacker")) {
+            EXPECT_TRUE(out.contains("AP-3-Stock")) << "the AP names are in the output";
+        }
+    }
+    EXPECT_EQ(fileStates(dir.path()), before);
 }
