@@ -58,7 +58,11 @@ public:
     void toggleColumn(const QString& identifier);
 
     // Sorting.
+    // A header click: the same column again reverses, another sorts ascending.
     void tableViewDidClickTableColumn(const QString& identifier);
+    // Sorts by a column in the given direction and remembers both for the scans to come; the
+    // selected network stays selected.
+    void sortByColumn(const QString& identifier, bool ascending);
     // Sorts the shown test's rows in place; false (logged, order unchanged) when the column
     // does not sort.
     bool sortTableView(const QString& identifier, bool ascending);
