@@ -74,11 +74,6 @@ long long leadingInteger(const QString& text)
 
 QString orNotAvailable(const QString& text) { return text.isEmpty() ? QStringLiteral("N/A") : text; }
 
-QString transformed(const ValueTransformer& transformer, const QVariant& value)
-{
-    return transformer.transformedValue(value);
-}
-
 const SignalToStringTransformer signalText;
 const ChannelToStringTransformer widthText;
 const ChannelBandTransformer bandTransformer;
@@ -149,22 +144,22 @@ QList<RecordColumn> makeColumns()
         column("channelWidth", optional, "Channel Width",
                {field("Channel Width", "Channel Width",
                       [](const R& r) { return Cell{QString::asprintf("%d MHz", r.channelWidth), F::Formatted}; })},
-               [](const R& r) { return transformed(widthText, r.channelWidth); }, "channelWidth", K::Number,
+               [](const R& r) { return widthText.transformedValue(r.channelWidth); }, "channelWidth", K::Number,
                [](const R& r) { return r.channelWidth; }),
         column("channelBond", optional, "Channel Band",
                {field("Channel Band", "Channel Band", [](const R& r) { return Cell{bandText(r.channelBond), F::Formatted}; })},
-               [](const R& r) { return transformed(bandTransformer, r.channelBond); }, "channelBond", K::Number,
+               [](const R& r) { return bandTransformer.transformedValue(r.channelBond); }, "channelBond", K::Number,
                [](const R& r) { return r.channelBond; }),
         column("rssi", optional, "Signal",
                {field("Signal", "Signal (dBm)", [](const R& r) { return Cell{QString::asprintf("%d dBm", r.rssi), F::Formatted}; })},
-               [](const R& r) { return transformed(signalText, r.rssi); }, "rssi", K::Number, [](const R& r) { return r.rssi; }),
+               [](const R& r) { return signalText.transformedValue(r.rssi); }, "rssi", K::Number, [](const R& r) { return r.rssi; }),
         column("noise", optional, "Noise",
                {field("Noise", "Noise (dBm)", [](const R& r) { return Cell{QString::asprintf("%d dBm", r.noise), F::Formatted}; })},
-               [](const R& r) { return transformed(signalText, r.noise); }, "noise", K::Number, [](const R& r) { return r.noise; }),
+               [](const R& r) { return signalText.transformedValue(r.noise); }, "noise", K::Number, [](const R& r) { return r.noise; }),
         column("sn", optional, "SNR",
                {field("SNR", "\"SNR\"",
                       [](const R& r) { return Cell{QString::asprintf("%d dB", r.singnalToNoise), F::Formatted}; })},
-               [](const R& r) { return transformed(snrText, r.singnalToNoise); }, "singnalToNoise", K::Number,
+               [](const R& r) { return snrText.transformedValue(r.singnalToNoise); }, "singnalToNoise", K::Number,
                [](const R& r) { return r.singnalToNoise; }),
         column("phyMode", optional, "PHY Modes",
                {field("PHY Modes", "\"PHY Modes\"", [](const R& r) { return Cell{r.supportedPHYModes, F::Text}; })},
@@ -175,7 +170,7 @@ QList<RecordColumn> makeColumns()
                       [](const R& r) {
                           return Cell{r.numberOfStreams == 0 ? QString() : QString::number(r.numberOfStreams), F::Formatted};
                       })},
-               [](const R& r) { return transformed(numberText, QVariant::fromValue<qint64>(r.numberOfStreams)); },
+               [](const R& r) { return numberText.transformedValue(QVariant::fromValue<qint64>(r.numberOfStreams)); },
                "numberOfStreams", K::Number, [](const R& r) { return QVariant::fromValue<qint64>(r.numberOfStreams); }),
         // The export reads the rate toString settled just before; the table shows the field as it is.
         column("maxDataRate", optional, "Max Rate",
@@ -184,7 +179,7 @@ QList<RecordColumn> makeColumns()
                           const double rate = leadingNumber(r.maxDataRate);
                           return Cell{rate == 0.0 ? QString() : QString::asprintf("%0.1f Mbps", rate), F::Formatted};
                       })},
-               [](const R& r) { return transformed(speedText, r.maxDataRate.isEmpty() ? QVariant() : QVariant(r.maxDataRate)); },
+               [](const R& r) { return speedText.transformedValue(r.maxDataRate.isEmpty() ? QVariant() : QVariant(r.maxDataRate)); },
                "maxDataRate", K::Number, [](const R& r) { return leadingInteger(r.maxDataRate); }),
         column("security", optional, "Security",
                {field("Security", "\"Security\"", [](const R& r) { return Cell{r.securityModeString, F::QuotedText}; }),
@@ -198,7 +193,7 @@ QList<RecordColumn> makeColumns()
                           return Cell{r.isWPS == -1 ? QString() : (r.isWPS != 0 ? QStringLiteral("Yes") : QStringLiteral("No")),
                                       F::Formatted};
                       })},
-               [](const R& r) { return transformed(yesNoText, static_cast<int>(r.isWPS)); }, "isWPS", K::Number,
+               [](const R& r) { return yesNoText.transformedValue(static_cast<int>(r.isWPS)); }, "isWPS", K::Number,
                [](const R& r) { return static_cast<int>(r.isWPS); }),
         column("apname", optional, "AP Name",
                {field("AP Name", "\"AP Name\"",
@@ -211,7 +206,7 @@ QList<RecordColumn> makeColumns()
                           return Cell{r.connectedClientCount > 0 ? QString::number(r.connectedClientCount) : QStringLiteral("N/A"),
                                       F::Formatted};
                       })},
-               [](const R& r) { return transformed(numberText, QVariant::fromValue<qint64>(r.connectedClientCount)); },
+               [](const R& r) { return numberText.transformedValue(QVariant::fromValue<qint64>(r.connectedClientCount)); },
                "connectedClientCount", K::Number, [](const R& r) { return QVariant::fromValue<qint64>(r.connectedClientCount); }),
         column("channelUtilization", optional, "Channel Utilization",
                {field("Channel Utilization", "\"Channel Utilization\"",
@@ -220,7 +215,7 @@ QList<RecordColumn> makeColumns()
                                                                 : QStringLiteral("N/A"),
                                       F::Formatted};
                       })},
-               [](const R& r) { return transformed(utilizationText, QVariant::fromValue<qint64>(r.channelUtilization)); },
+               [](const R& r) { return utilizationText.transformedValue(QVariant::fromValue<qint64>(r.channelUtilization)); },
                "channelUtilization", K::Number, [](const R& r) { return QVariant::fromValue<qint64>(r.channelUtilization); }),
         column("protectionMode", optional, "Protection Mode",
                {field("Protection Mode", "\"Protection Mode\"",
@@ -232,7 +227,7 @@ QList<RecordColumn> makeColumns()
         column("ibss", optional, "Ad-Hoc",
                {field("Ad-Hoc", "Ad-Hoc",
                       [](const R& r) { return Cell{r.ibss != 0 ? QStringLiteral("Yes") : QStringLiteral("No"), F::Formatted}; })},
-               [](const R& r) { return transformed(yesNoText, static_cast<int>(r.ibss)); }, "ibss", K::Number,
+               [](const R& r) { return yesNoText.transformedValue(static_cast<int>(r.ibss)); }, "ibss", K::Number,
                [](const R& r) { return static_cast<int>(r.ibss); }),
         column("cc", optional, "Country Code", {field("Country Code", "Country Code", [](const R& r) { return Cell{r.cc, F::Text}; })},
                [](const R& r) { return r.cc; }, "cc", K::Text, [](const R& r) { return r.cc; }),

@@ -15,8 +15,9 @@
 class GraphSink;
 
 // The results table of the shown scan test without its widgets: rows and their order, column
-// visibility, the networks chosen for plotting, copying rows and the per-BSSID tags. The table
-// view binds to it; the scan driver feeds it; it drives the graph through a GraphSink.
+// visibility, the networks chosen for plotting, copying rows and the per-BSSID tags. A table
+// view sees it through ResultsTableItemModel; the scan driver feeds it; it drives the graph
+// through a GraphSink.
 class ResultsTableModel : public QObject, public ScanResultsListener {
     Q_OBJECT
 public:
