@@ -40,9 +40,24 @@ ComparisonResult compareChannel(const platform::ScanResult& network, const platf
     return order(network.channelNumber, other.channelNumber);
 }
 
-ComparisonResult comparePhyMode(const platform::ScanResult& network, const platform::ScanResult& other)
+int phyModeCode(const platform::ScanResult& network, core::InterfaceGeneration generation)
 {
-    return order(network.phyModes, other.phyModes);
+    // Both generations number the standards oldest first, so the highest supported code is the newest.
+    const int highest = core::isOSSnowLeopard(generation) ? 3 : 5;
+    for (int code = highest; code >= 0; --code) {
+        if (network.supportsPHYMode(code, generation))
+            return code;
+    }
+    return -1;
+}
+
+ComparisonResult comparePhyMode(const platform::ScanResult& network, const platform::ScanResult& other,
+                                core::InterfaceGeneration generation)
+{
+    // Not the bit set: read as a number it also weighs the older standards a network keeps
+    // (b/g/n above a/n), which the shown code does not, and it counts ac on the oldest
+    // generation, which has no code for it.
+    return order(phyModeCode(network, generation), phyModeCode(other, generation));
 }
 
 ComparisonResult compareSecurityMode(const platform::ScanResult& network, const platform::ScanResult& other)

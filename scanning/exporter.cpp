@@ -1,5 +1,6 @@
 #include "scanning/exporter.h"
 
+#include "core/csv_cell.h"
 #include "scan/scanner_utils.h"
 
 #include <QDir>
@@ -7,7 +8,6 @@
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QStringList>
-#include <QStringView>
 #include <QUrl>
 
 #include <utility>
@@ -30,32 +30,47 @@ const QString graphBlocks = QStringLiteral(
     "<center style='font-size:18px; color:#f37736;'> <strong>Signal Rank</strong></center><p><img "
     "src='skv-images/SSIDrankGRAPH.png' /></p><br>");
 
-// A test name is the user's text: a separator would shift every column after it, and a leading
-// formula character would make spreadsheets run it. A plain name stays as it always was.
-QString csvTestName(const QString& name)
-{
-    const bool formula = !name.isEmpty() && QStringView(u"=+-@\t\r").contains(name.front());
-    bool breaks = false;
-    for (const QChar c : name)
-        breaks = breaks || c == QLatin1Char(',') || c == QLatin1Char('"') || c == QLatin1Char('\n') || c == QLatin1Char('\r');
-    if (!formula && !breaks)
-        return name;
-    QString cell = formula ? QLatin1Char('\'') + name : name;
-    cell.replace(QLatin1Char('"'), QLatin1String("\"\""));
-    return QLatin1Char('"') + cell + QLatin1Char('"');
-}
+// Why a write failed, in the system's words, with the file it concerns.
+QString failure(const QString& path, const QFileDevice& file) { return path + QLatin1String(": ") + file.errorString(); }
 
-bool writeUtf8(const QString& path, const QString& text)
+// Writes the whole text or nothing: a regular file is replaced only once every byte is on disk.
+// A device or pipe (/dev/stdout, a FIFO) cannot be replaced by renaming and is written in place.
+// Returns the failure, empty on success.
+QString writeUtf8(const QString& path, const QString& text)
 {
+    const QByteArray bytes = text.toUtf8();
+    const QFileInfo target(path);
+    if (target.exists() && !target.isFile() && !target.isDir()) {
+        QFile device(path);
+        if (!device.open(QIODevice::WriteOnly))
+            return failure(path, device);
+        if (device.write(bytes) != bytes.size() || !device.flush())
+            return failure(path, device);
+        return {};
+    }
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
-        return false;
-    const QByteArray bytes = text.toUtf8();
+        return failure(path, file);
     if (file.write(bytes) != bytes.size()) {
+        const QString reason = failure(path, file);
         file.cancelWriting();
-        return false;
+        return reason;
     }
-    return file.commit();
+    if (!file.commit())
+        return failure(path, file);
+    return {};
+}
+
+// The outermost folder that making `path` would create; empty when it already exists.
+QString firstMissingFolder(const QString& path)
+{
+    QString missing;
+    for (QFileInfo folder(path); !folder.exists(); folder = QFileInfo(folder.absolutePath())) {
+        missing = folder.absoluteFilePath();
+        if (folder.isRoot())
+            break;
+    }
+    return missing;
 }
 
 bool isCsv(ScanExporter::Kind kind)
@@ -117,7 +132,8 @@ QString ScanExporter::csvText(const QList<WiFiScanTest*>& tests) const
     QString text;
     bool headingWritten = false;
     for (WiFiScanTest* test : tests) {
-        const QString name = csvTestName(test->testLabel);
+        // The test name is the user's text: it may hold separators or start like a formula.
+        const QString name = core::csvCell(test->testLabel);
         for (ScanedResultInfo& record : test->scanedData1) {
             record.exportType = QStringLiteral("csv");
             if (!headingWritten) {
@@ -171,21 +187,23 @@ ScanExporter::Result ScanExporter::startExporting(Kind kind, const QString& file
     if (allTests.isEmpty())
         return {};
     if (needsSelection(kind) && selected == nullptr)
-        return {QString(), selectTestMessage, selectTestMessage};
+        return {QString(), selectTestMessage, selectTestMessage, QString()};
 
     const QList<WiFiScanTest*> visited = needsSelection(kind) ? QList<WiFiScanTest*>{selected} : allTests;
     const QDateTime now = clock_.now();
     if (isCsv(kind)) {
-        if (!writeUtf8(fileSavePath, csvText(visited)))
-            return {QString(), csvFailedMessage, QString()};
-        return {fileSavePath, QString(), QString()};
+        const QString reason = writeUtf8(fileSavePath, csvText(visited));
+        if (!reason.isEmpty())
+            return {QString(), csvFailedMessage, QString(), reason};
+        return {fileSavePath, QString(), QString(), QString()};
     }
     const QString page = htmlPage(htmlBody(visited), now);
     if (kind == SelectedTestHtmlWithGraphs)
         return writeGraphReport(fileSavePath, page, now, graphs);
-    if (!writeUtf8(fileSavePath, page))
-        return {QString(), htmlFailedMessage, QString()};
-    return {fileSavePath, QString(), QString()};
+    const QString reason = writeUtf8(fileSavePath, page);
+    if (!reason.isEmpty())
+        return {QString(), htmlFailedMessage, QString(), reason};
+    return {fileSavePath, QString(), QString(), QString()};
 }
 
 ScanExporter::Result ScanExporter::writeGraphReport(const QString& fileSavePath, const QString& page,
@@ -194,11 +212,17 @@ ScanExporter::Result ScanExporter::writeGraphReport(const QString& fileSavePath,
     const QFileInfo chosen(fileSavePath);
     const QString folder = chosen.absolutePath() + QLatin1String("/skyvane-single-scan-report-")
                            + ScannerUtils::formatDate(QStringLiteral("yyyyMMdd-HH-mm"), now);
-    // A folder that cannot be made shows up as the failed page write below.
+    // A folder that cannot be made shows up as the failed page write below, which then takes
+    // away whatever folders this export made, so a failed report leaves nothing behind.
+    const QString created = firstMissingFolder(folder);
     QDir().mkpath(folder);
     const QString pagePath = folder + QLatin1Char('/') + chosen.fileName();
-    if (!writeUtf8(pagePath, page + graphBlocks))
-        return {QString(), htmlFailedMessage, QString()};
+    const QString reason = writeUtf8(pagePath, page + graphBlocks);
+    if (!reason.isEmpty()) {
+        if (!created.isEmpty())
+            QDir(created).removeRecursively();
+        return {QString(), htmlFailedMessage, QString(), reason};
+    }
 
     const QString images = folder + QLatin1String("/skv-images");
     QDir().mkpath(images);
@@ -213,7 +237,7 @@ ScanExporter::Result ScanExporter::writeGraphReport(const QString& fileSavePath,
             missing << QLatin1String(fileName);
     }
     if (missing.isEmpty())
-        return {pagePath, QString(), QString()};
+        return {pagePath, QString(), QString(), QString()};
     return {pagePath, QStringLiteral("Report written without graph images: %1 missing.").arg(missing.join(QLatin1String(", "))),
-            QString()};
+            QString(), QString()};
 }

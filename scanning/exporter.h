@@ -27,6 +27,7 @@ public:
         QString writtenPath;  // the file written; empty when nothing was
         QString statusText;   // for the tab's status line; empty when there is nothing to say
         QString alertText;    // non-empty: also shown as an alert with an empty informative text
+        QString failureReason;  // a failed write: the file and the system's words, e.g. "No space left on device"
     };
 
     static constexpr const char* templateResource = ":/Export.html";

@@ -1,8 +1,7 @@
 #include "scanning/results_table_model.h"
 
-#include "scan/scanner_utils.h"
+#include "scan/record_columns.h"
 #include "scanning/graph_sink.h"
-#include "scanning/results_table_columns.h"
 #include "scanning/wifi_scan_test.h"
 
 #include <QtDebug>
@@ -12,6 +11,7 @@
 ResultsTableModel::ResultsTableModel(core::UserSettings& settings, GraphSink* graph, QObject* parent)
     : QObject(parent), settings_(settings), graph_(graph)
 {
+    updateTableColumnsView();
 }
 
 void ResultsTableModel::setGraphSink(GraphSink* graph) { graph_ = graph; }
@@ -132,9 +132,11 @@ int ResultsTableModel::selectedRow() const { return selectedRows_.isEmpty() ? -1
 
 void ResultsTableModel::updateTableColumnsView()
 {
-    for (const ResultsColumn& column : results_columns::all()) {
-        if (!column.visibilityKey.isEmpty()) {
-            hiddenColumns_[column.identifier] = !core::settingIsOn(settings_.value(column.visibilityKey));
+    for (const record_columns::RecordColumn& column : record_columns::all()) {
+        const bool hidden = !record_columns::isShown(column, settings_);
+        if (hidden != isColumnHidden(column.identifier)) {
+            hiddenColumns_[column.identifier] = hidden;
+            emit columnVisibilityChanged(column.identifier, hidden);
         }
     }
 }
@@ -143,10 +145,11 @@ bool ResultsTableModel::isColumnHidden(const QString& identifier) const { return
 
 void ResultsTableModel::toggleColumn(const QString& identifier)
 {
-    const QString key = results_columns::visibilityKey(identifier);
-    if (key.isEmpty()) {
+    const record_columns::RecordColumn* column = record_columns::find(identifier);
+    if (column == nullptr || column->visibilityKey.isEmpty()) {
         return;
     }
+    const QString key = column->visibilityKey;
     const bool hidden = !isColumnHidden(identifier);
     hiddenColumns_[identifier] = hidden;
     settings_.setValue(key, !hidden);
@@ -161,15 +164,21 @@ void ResultsTableModel::tableViewDidClickTableColumn(const QString& identifier)
         selectAllButtonClicked();
         return;
     }
-    if (results_columns::sortKey(identifier).isEmpty()) {
+    const record_columns::RecordColumn* column = record_columns::find(identifier);
+    if (column == nullptr || !column->sorts()) {
         return;
     }
-    if (identifier == lastIdentifier_) {
-        sortAscending_ = !sortAscending_;
-    } else {
-        sortAscending_ = true;
-        lastIdentifier_ = identifier;
+    sortByColumn(identifier, identifier == lastIdentifier_ ? !sortAscending_ : true);
+}
+
+void ResultsTableModel::sortByColumn(const QString& identifier, bool ascending)
+{
+    const record_columns::RecordColumn* column = record_columns::find(identifier);
+    if (column == nullptr || !column->sorts()) {
+        return;
     }
+    lastIdentifier_ = identifier;
+    sortAscending_ = ascending;
 
     const ScanedResultInfo* selected = recordAt(selectedRow());
     selectedBSSIDBeforeSort_ = selected != nullptr ? selected->bssid : QString();
@@ -194,8 +203,8 @@ void ResultsTableModel::tableViewDidClickTableColumn(const QString& identifier)
 
 bool ResultsTableModel::sortTableView(const QString& identifier, bool ascending)
 {
-    const auto comparator = results_columns::comparatorForKey(results_columns::sortKey(identifier));
-    if (!comparator) {
+    const record_columns::RecordColumn* column = record_columns::find(identifier);
+    if (column == nullptr || !column->sorts()) {
         qWarning().noquote() << QStringLiteral("unable to sort the table %1")
                                     .arg(QStringLiteral("'%1' is not a sortable column").arg(identifier));
         return false;
@@ -204,7 +213,7 @@ bool ResultsTableModel::sortTableView(const QString& identifier, bool ascending)
         auto& rows = currentTest_->scanedData1;
         // Stable, so rows that compare equal keep the database's order between scans.
         std::stable_sort(rows.begin(), rows.end(), [&](const ScanedResultInfo& a, const ScanedResultInfo& b) {
-            const int order = (*comparator)(a, b);
+            const int order = column->compare(a, b);
             return ascending ? order < 0 : order > 0;
         });
     }
@@ -221,6 +230,7 @@ void ResultsTableModel::reverse()
     for (qsizetype front = 0, back = rows.size() - 1; front < back; ++front, --back) {
         rows.swapItemsAt(front, back);
     }
+    reloadTable();
 }
 
 void ResultsTableModel::checkboxClicked(int row)

@@ -15,8 +15,9 @@
 class GraphSink;
 
 // The results table of the shown scan test without its widgets: rows and their order, column
-// visibility, the networks chosen for plotting, copying rows and the per-BSSID tags. The table
-// view binds to it; the scan driver feeds it; it drives the graph through a GraphSink.
+// visibility, the networks chosen for plotting, copying rows and the per-BSSID tags. A table
+// view sees it through ResultsTableItemModel; the scan driver feeds it; it drives the graph
+// through a GraphSink.
 class ResultsTableModel : public QObject, public ScanResultsListener {
     Q_OBJECT
 public:
@@ -58,7 +59,11 @@ public:
     void toggleColumn(const QString& identifier);
 
     // Sorting.
+    // A header click: the same column again reverses, another sorts ascending.
     void tableViewDidClickTableColumn(const QString& identifier);
+    // Sorts by a column in the given direction and remembers both for the scans to come; the
+    // selected network stays selected.
+    void sortByColumn(const QString& identifier, bool ascending);
     // Sorts the shown test's rows in place; false (logged, order unchanged) when the column
     // does not sort.
     bool sortTableView(const QString& identifier, bool ascending);

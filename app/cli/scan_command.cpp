@@ -5,6 +5,7 @@
 #include "app/cli/json_writer.h"
 #include "app/cli/scan_output.h"
 #include "core/settings_overlay.h"
+#include "scanning/results_table_model.h"
 #include "scanning/scan_database.h"
 #include "scanning/scan_test_driver.h"
 #include "scanning/timer_source.h"
@@ -95,6 +96,8 @@ int exportTest(const ScanRequest& request, const ScanTestDriver& driver, const c
         tests.isEmpty() ? nullptr : tests.first());
     if (!result.statusText.isEmpty())
         writeText(err, QStringLiteral("skyvane-cli: %1\n").arg(result.statusText));
+    if (!result.failureReason.isEmpty())
+        writeText(err, QStringLiteral("skyvane-cli: %1\n").arg(result.failureReason));
     if (result.writtenPath.isEmpty()) {
         if (tests.isEmpty())
             writeText(err, QStringLiteral("skyvane-cli: no scan test to export\n"));
@@ -127,6 +130,9 @@ int runScan(const ScanRequest& request, core::UserSettings& userSettings, std::F
                           backendArguments(request.backend));
     driver.setRefreshIntervalSeconds(request.intervalSeconds);
     driver.setFilterCriteria(request.filter.filterCriteria);
+    // The results view's model keeps the rows in its order (by name, A to Z, unless told otherwise).
+    ResultsTableModel table(settings);
+    driver.setResultsListener(&table);
 
     QEventLoop loop;
     bool stopping = false;
@@ -147,7 +153,7 @@ int runScan(const ScanRequest& request, core::UserSettings& userSettings, std::F
             writeScanJson(json, scans, driver.countLabel(), *test);
             json.flush();
         } else {
-            writeText(out, (scans > 1 ? QStringLiteral("\n") : QString()) + scanTable(driver.countLabel(), *test));
+            writeText(out, (scans > 1 ? QStringLiteral("\n") : QString()) + scanTable(driver.countLabel(), table));
         }
         if (request.count && scans >= *request.count)
             stop();

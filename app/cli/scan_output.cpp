@@ -48,13 +48,16 @@ Cells rowCells(const ScanedResultInfo& record, bool connected)
 
 } // namespace
 
-QString scanTable(const QString& countLabel, const WiFiScanTest& test)
+QString scanTable(const QString& countLabel, const ResultsTableModel& table)
 {
+    const QString active = table.currentTest() != nullptr ? table.currentTest()->activeBSSID : QString();
     QList<Cells> rows{{QString(), QStringLiteral("SSID"), QStringLiteral("BSSID"), QStringLiteral("RSSI"),
                        QStringLiteral("CHANNEL"), QStringLiteral("BAND"), QStringLiteral("WIDTH"),
                        QStringLiteral("SECURITY"), QStringLiteral("VENDOR")}};
-    for (const ScanedResultInfo& record : test.scanedData1)
-        rows << rowCells(record, !test.activeBSSID.isEmpty() && record.bssid == test.activeBSSID);
+    for (int row = 0; row < table.rowCount(); ++row) {
+        const ScanedResultInfo& record = *table.recordAt(row);
+        rows << rowCells(record, !active.isEmpty() && record.bssid == active);
+    }
 
     std::array<qsizetype, columnCount> widths{};
     for (const Cells& row : rows) {

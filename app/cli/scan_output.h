@@ -1,5 +1,6 @@
 #pragma once
 
+#include "scanning/results_table_model.h"
 #include "scanning/wifi_scan_test.h"
 
 #include <QString>
@@ -12,8 +13,9 @@ class JsonWriter;
 // aligned table for people or as JSON Lines for programs.
 namespace cli {
 
-// The count label, then a heading and one line per row; "*" marks the connected network.
-QString scanTable(const QString& countLabel, const WiFiScanTest& test);
+// The count label, then a heading and one line per row of the results table, in its order;
+// "*" marks the connected network.
+QString scanTable(const QString& countLabel, const ResultsTableModel& table);
 
 // One object for the scan ({"scan", "countLabel", "testLabel", "activeBSSID"}), then one per
 // row with the scan number and the record's fields under their own names.

@@ -119,6 +119,40 @@ TEST_F(RecordExportTest, HtmlOmitsHiddenColumnsAndHeadingAgreesWithRow)
     EXPECT_EQ(sample("html").toString(settings_), QStringLiteral("<td>lab</td><td>AA:BB:CC:00:00:01</td>"));
 }
 
+TEST_F(RecordExportTest, CsvHeadingIsExactWhateverTheSettings)
+{
+    showColumns(0x0a5a5au);
+    EXPECT_EQ(sample("csv").getHeader(settings_),
+              QStringLiteral("\"Test Name\",\"SSID\",BSSID,Tag,\"Vendor OUI\",Channel,Channel Width,Channel Band,"
+                             "Signal (dBm),Noise (dBm),\"SNR\",\"PHY Modes\",\"Streams\",\"Max Rate\",\"Security\","
+                             "\"GCDE\",\"PCE\",\"WPS\",\"AP Name\",\"# Clients\",\"Channel Utilization\","
+                             "\"Protection Mode\",802.11r,Ad-Hoc,Country Code,\"Last Seen\",\n"));
+    showColumns(allColumns);
+    EXPECT_EQ(sample("html").getHeader(settings_),
+              QStringLiteral("<thead><tr><th>SSID</th><th>BSSID</th><th>Tag</th><th>Vendor OUI</th><th>Channel</th>"
+                             "<th>Channel Width</th><th>Channel Band</th><th>Signal</th><th>Noise</th><th>SNR</th>"
+                             "<th>PHY Modes</th><th>Streams</th><th>Max Rate</th><th>Security</th><th>GDCE</th><th>PCE</th>"
+                             "<th>WPS</th><th>AP Name</th><th># Clients</th><th>Channel Utilization</th>"
+                             "<th>Protection Mode</th><th>802.11r</th><th>Ad-Hoc</th><th>Country Code</th>"
+                             "<th>Last Seen</th></tr></thead>\n"));
+}
+
+// A settings file hands a switch stored as a boolean back as the text "true" in the next run.
+TEST_F(RecordExportTest, VisibilityStoredAsTextStillShowsTheColumn)
+{
+    showColumns(0);
+    const struct {
+        QVariant stored;
+        bool shown;
+    } cases[] = {{QStringLiteral("true"), true}, {QStringLiteral("1"), true}, {QStringLiteral("false"), false}, {true, true}};
+    for (const auto& c : cases) {
+        settings_.setValue(QStringLiteral("rssiColumnVisible"), c.stored);
+        ScanedResultInfo r = sample("html");
+        EXPECT_EQ(r.getHeader(settings_).contains(QLatin1String("<th>Signal</th>")), c.shown) << c.stored.toString().toStdString();
+        EXPECT_EQ(r.toString(settings_).contains(QLatin1String("<td>-50 dBm</td>")), c.shown);
+    }
+}
+
 TEST_F(RecordExportTest, HostileTextsCannotBreakOutOfTheirCells)
 {
     struct Case { const char* ssid; const char* apname; const char* ssidCell; const char* apnameCell; };

@@ -190,6 +190,34 @@ TEST_F(ExporterTest, NothingWrittenWithoutSelectionOrWhenTheWriteFails)
     }
 }
 
+// A failed write names the system's reason, and neither a half-written file nor a report
+// folder made for the failed export stays behind.
+TEST_F(ExporterTest, FailedWritesSayWhyAndLeaveNothingBehind)
+{
+    const ScanExporter exporter(clock_, settings_);
+    const QString tooLong = path(QString(300, QLatin1Char('r')) + QLatin1String(".html"));
+    const struct {
+        ScanExporter::Kind kind;
+        QString target;
+        const char* reason;
+    } cases[] = {
+        {ScanExporter::AllTestsCsv, QStringLiteral("/dev/full"), "/dev/full: No space left on device"},
+        {ScanExporter::AllTestsHtml, QStringLiteral("/dev/full"), "/dev/full: No space left on device"},
+        {ScanExporter::SelectedTestCsv, QStringLiteral("/dev/full/x.csv"), "/dev/full/x.csv: "},
+        {ScanExporter::SelectedTestHtmlWithGraphs, tooLong, "File name too long"},
+        {ScanExporter::AllTestsCsv, tooLong, "File name too long"},
+    };
+    for (const auto& c : cases) {
+        const auto result = exporter.startExporting(c.kind, c.target, all(), &lab_);
+        EXPECT_TRUE(result.writtenPath.isEmpty()) << c.kind;
+        EXPECT_TRUE(result.failureReason.contains(QLatin1String(c.reason))) << result.failureReason.toStdString();
+        EXPECT_FALSE(result.statusText.isEmpty());
+    }
+    // The device is written in place, never replaced by a renamed file.
+    EXPECT_FALSE(QFileInfo(QStringLiteral("/dev/full")).isFile());
+    EXPECT_EQ(QDir(dir_.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden), QStringList());
+}
+
 TEST_F(ExporterTest, GraphReportGetsItsOwnFolderImagesAndBlocks)
 {
     const ScanExporter exporter(clock_, settings_);

@@ -1,7 +1,7 @@
 #include "core/memory_settings.h"
 #include "scan/scanner_utils.h"
 #include "scanning/graph_sink.h"
-#include "scanning/results_table_columns.h"
+#include "scan/record_columns.h"
 #include "scanning/results_table_model.h"
 #include "scanning/wifi_scan_test.h"
 
@@ -175,7 +175,7 @@ TEST_F(ResultsTableModelTest, TagsLiveInTheSettingsUnderTheBssid)
 
 TEST_F(ResultsTableModelTest, ColumnTogglesStoreTheShownStateUnderTheColumnKey)
 {
-    EXPECT_FALSE(results_columns::headerMenuColumns().contains(QStringLiteral("join")));
+    EXPECT_FALSE(record_columns::headerMenuColumns().contains(QStringLiteral("join")));
 
     settings_.setValue(QStringLiteral("snColumnVisible"), true);
     model_.updateTableColumnsView();

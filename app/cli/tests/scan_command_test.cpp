@@ -3,6 +3,7 @@
 #include "app/cli/cli_arguments.h"
 #include "app/cli/scan_command.h"
 
+#include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -11,6 +12,8 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace {
 
@@ -102,6 +105,59 @@ TEST(ScanCommand, PrintsEveryScanAndExportsAtTheEnd)
     ASSERT_GE(table.lines.size(), 3);
     EXPECT_TRUE(countLabel.match(QString::fromUtf8(table.lines[0])).hasMatch()) << table.lines[0].constData();
     EXPECT_TRUE(table.lines[1].contains("SSID") && table.lines[1].contains("BSSID"));
+}
+
+// The results view sorts by name, A to Z, after every scan; the printed table follows it rather
+// than the database's signal order.
+TEST(ScanCommand, TableRowsAreSortedByNameLikeTheResultsView)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const CliRun run = runCli({"--simulate=8", "scan", "--count", "2", "--interval", "1", "--db",
+                               dir.filePath(QStringLiteral("db.sqlite"))});
+    ASSERT_EQ(run.exitCode, 0) << run.err.constData();
+    QStringList names;
+    qsizetype ssidAt = -1, bssidAt = -1;
+    for (const QByteArray& bytes : run.lines) {
+        const QString line = QString::fromUtf8(bytes);
+        if (line.contains(QLatin1String(" BSSID "))) {
+            ssidAt = line.indexOf(QLatin1String("SSID"));
+            bssidAt = line.indexOf(QLatin1String("BSSID"));
+            names.clear();  // the last scan's table is checked
+        } else if (bssidAt > 0 && line.size() > bssidAt && !countLabel.match(line).hasMatch()) {
+            names << line.mid(ssidAt, bssidAt - ssidAt).trimmed();
+        }
+    }
+    ASSERT_EQ(names.size(), 8) << run.lines.join('\n').constData();
+    QStringList sorted = names;
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [](const QString& a, const QString& b) { return a.compare(b, Qt::CaseInsensitive) < 0; });
+    EXPECT_EQ(names, sorted);
+}
+
+// A failed export is a failed command: it says why in the system's words and leaves no file.
+TEST(ScanCommand, FailedExportExitsNonZeroWithTheReason)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const QString tooLong = dir.filePath(QString(300, QLatin1Char('r')) + QLatin1String(".html"));
+    const struct {
+        const char* kind;
+        QString target;
+        const char* reason;
+    } cases[] = {
+        {"csv", QStringLiteral("/dev/full"), "/dev/full: No space left on device"},
+        {"csv", QStringLiteral("/dev/full/x.csv"), "/dev/full/x.csv: "},
+        {"html-graphs", tooLong, "File name too long"},
+    };
+    for (const auto& c : cases) {
+        const CliRun run = runCli({"--simulate=3", "scan", "--count", "1", "--db", dir.filePath(QStringLiteral("db.sqlite")),
+                                   "--export", c.kind, c.target});
+        EXPECT_EQ(run.exitCode, 1) << c.kind;
+        EXPECT_TRUE(run.err.contains("Please try agian.")) << run.err.constData();
+        EXPECT_TRUE(run.err.contains(c.reason)) << run.err.constData();
+    }
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList{QStringLiteral("db.sqlite")});
 }
 
 TEST(ScanCommand, AFilterValueNamingAnotherCommandStaysAScan)
