@@ -1,6 +1,7 @@
 #include "scan/scaned_result_info.h"
 #include "scan/scanner_utils.h"
 
+#include <QHash>
 #include <QStringList>
 
 #include <algorithm>
@@ -132,30 +133,41 @@ bool isCached(int channelWidth, std::int64_t streams)
            (channelWidth == 20 || channelWidth == 40 || channelWidth == 80 || channelWidth == 160);
 }
 
-}  // namespace
+// An access point sends the same rates in every beacon, so a completed list is remembered by
+// everything it was made from; a capture of thousands of beacons then completes each list once.
+struct CompletionInput {
+    QStringList advertised;
+    int channelWidth;
+    std::int64_t streams;
+    bool shortGI;
+    bool operator==(const CompletionInput&) const = default;
+};
 
-float ScanedResultInfo::getBaseValueForDataRate(std::int64_t streams) const
+size_t qHash(const CompletionInput& input, size_t seed = 0)
 {
-    return baseValue(streams, channelWidth);
+    return qHashMulti(seed, qHashRange(input.advertised.cbegin(), input.advertised.cend()), input.channelWidth,
+                      input.streams, input.shortGI);
 }
 
-void ScanedResultInfo::populateMaxDataRate()
-{
-    if (!supportedDataRates) {
-        supportedDataRates = QStringList();
-        return;
-    }
-    bool shortGI = false;
-    if (channelWidth == 20) {
-        shortGI = shortGIFor24MhzEnabled != 0;
-    } else if (channelWidth >= 21) {
-        shortGI = shortGIFor40MhzEnabled != 0;
-    }
-    // Every stream beyond four uses the same base rate, so a fifth one adds the last new texts
-    // and more add nothing; the cap keeps a nonsense count from looping for ever.
-    const std::int64_t streams = std::min<std::int64_t>(numberOfStreams, 5);
+QStringList completeRates(const QStringList& advertised, int channelWidth, std::int64_t streams, bool shortGI);
 
-    QStringList& list = *supportedDataRates;
+const QStringList& rememberedCompletion(const QStringList& advertised, int channelWidth, std::int64_t streams,
+                                        bool shortGI)
+{
+    // Bounded: a hostile capture of ever-new rate lists cannot grow it without limit.
+    constexpr qsizetype capacity = 4096;
+    thread_local QHash<CompletionInput, QStringList> remembered;
+    CompletionInput input{advertised, channelWidth, streams, shortGI};
+    if (const auto hit = remembered.constFind(input); hit != remembered.cend())
+        return *hit;
+    if (remembered.size() >= capacity)
+        remembered.clear();
+    return *remembered.insert(std::move(input), completeRates(advertised, channelWidth, streams, shortGI));
+}
+
+QStringList completeRates(const QStringList& advertised, int channelWidth, std::int64_t streams, bool shortGI)
+{
+    QStringList list = advertised;
     if (streams >= 1) {
         std::vector<QString> uncached;
         const std::vector<QString>* computed = &uncached;
@@ -190,7 +202,33 @@ void ScanedResultInfo::populateMaxDataRate()
     for (const auto& entry : order) {
         sorted.append(std::move(items[entry.second]));
     }
-    list = std::move(sorted);
+    return sorted;
+}
+
+}  // namespace
+
+float ScanedResultInfo::getBaseValueForDataRate(std::int64_t streams) const
+{
+    return baseValue(streams, channelWidth);
+}
+
+void ScanedResultInfo::populateMaxDataRate()
+{
+    if (!supportedDataRates) {
+        supportedDataRates = QStringList();
+        return;
+    }
+    bool shortGI = false;
+    if (channelWidth == 20) {
+        shortGI = shortGIFor24MhzEnabled != 0;
+    } else if (channelWidth >= 21) {
+        shortGI = shortGIFor40MhzEnabled != 0;
+    }
+    // Every stream beyond four uses the same base rate, so a fifth one adds the last new texts
+    // and more add nothing; the cap keeps a nonsense count from looping for ever.
+    const std::int64_t streams = std::min<std::int64_t>(numberOfStreams, 5);
+
+    *supportedDataRates = rememberedCompletion(*supportedDataRates, channelWidth, streams, shortGI);
 }
 
 QString ScanedResultInfo::getMaxDataRate()

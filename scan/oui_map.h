@@ -1,13 +1,17 @@
 #pragma once
 
+#include <QByteArray>
 #include <QHash>
 #include <QString>
 
 #include <atomic>
+#include <cstdint>
 #include <mutex>
+#include <vector>
 
 // The vendor table: OUI key "XX:XX:XX" to vendor name, read once from "oui-mapping.txt" and
-// shared by every thread that names access points.
+// shared by every thread that names access points. It keeps the file's bytes and an index of
+// the hex keys, so loading costs one pass and no string per entry; names are made on lookup.
 class OuiMap {
 public:
     static constexpr const char* resourcePath = ":/oui-mapping.txt";
@@ -22,13 +26,23 @@ public:
     QString vendorForKey(const QString& key) const;
     qsizetype size() const;
 
-    // Parses the file format: "\n"-separated lines, "\t"-separated fields, later keys win.
-    static QHash<QString, QString> parse(const QByteArray& utf8);
+    // The file format: "\n"-separated lines, "\t"-separated fields, later keys win.
+    struct Table {
+        struct Entry {
+            std::uint32_t key;     // the three octets of an upper-case "XX:XX:XX" key
+            std::uint32_t offset;  // the vendor text in bytes
+            std::uint32_t length;
+        };
+        QByteArray bytes;
+        std::vector<Entry> entries;       // sorted by key, one per key
+        QHash<QString, QString> others;   // keys of any other shape, matched exactly
+    };
+    static Table parse(QByteArray utf8);
 
 private:
-    void install(QHash<QString, QString> table);
+    void install(Table table);
 
     mutable std::mutex mutex_;
-    QHash<QString, QString> table_;
+    Table table_;
     std::atomic<bool> loaded_{false};
 };
