@@ -18,12 +18,6 @@ void PlotStack::remove(const QString& identifier)
 
 bool PlotStack::contains(const QString& identifier) const { return style(identifier) != nullptr; }
 
-void PlotStack::setColour(const QString& identifier, ColourCodePtr colour)
-{
-    if (PlotStyle* plot = find(identifier))
-        plot->colour = std::move(colour);
-}
-
 QStringList PlotStack::identifiers() const
 {
     QStringList ids;

@@ -38,7 +38,6 @@ public:
     void add(const QString& identifier, double lineWidth, double lineAlpha, ColourCodePtr colour);
     void remove(const QString& identifier);
     bool contains(const QString& identifier) const;
-    void setColour(const QString& identifier, ColourCodePtr colour);
 
     QStringList identifiers() const;
     const PlotStyle* style(const QString& identifier) const;

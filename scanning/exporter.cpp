@@ -90,11 +90,6 @@ ScanExporter::ScanExporter(const platform::Clock& clock, const core::UserSetting
 {
 }
 
-bool ScanExporter::isKind(int tag)
-{
-    return tag >= SelectedTestCsv && tag <= AllTestsHtml;
-}
-
 QString ScanExporter::suggestedFileName(Kind kind, const QDateTime& now)
 {
     QString name;

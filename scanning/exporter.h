@@ -37,7 +37,6 @@ public:
     ScanExporter(const platform::Clock& clock, const core::UserSettings& settings,
                  QString templatePath = QLatin1String(templateResource));
 
-    static bool isKind(int tag);
     static QString suggestedFileName(Kind kind, const QDateTime& now);
     // The file path of a chosen location: its URL text, a file:/// URL or a plain path.
     static QString destinationPath(const QString& locationUrlText);
