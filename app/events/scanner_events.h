@@ -1,0 +1,13 @@
+#pragma once
+
+#include "app/events/application_events.h"
+
+class ScanTestDriver;
+
+// The scanner tab's observers of the program's notifications: launch starts the first test,
+// and any window may hold and release the scan timer.
+namespace app {
+
+void connectScanTestDriver(const ApplicationEvents& events, ScanTestDriver& driver);
+
+} // namespace app
