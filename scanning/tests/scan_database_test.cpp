@@ -1,9 +1,10 @@
 #include "core/memory_settings.h"
 #include "scanning/scan_database.h"
 
-#include "scanning/literal_scan_store.h"
+#include "testsupport/literal_scan_store.h"
 
 #include <QFile>
+#include <QLoggingCategory>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -61,6 +62,7 @@ protected:
     void SetUp() override
     {
         logged.clear();
+        QLoggingCategory::setFilterRules(QStringLiteral("skyvane.*=true"));
         previousHandler = qInstallMessageHandler(captureMessage);
     }
     void TearDown() override { qInstallMessageHandler(previousHandler); }

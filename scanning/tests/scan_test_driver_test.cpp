@@ -2,8 +2,10 @@
 #include "scanning/scan_test_driver.h"
 
 #include "scan/scanner_utils.h"
+#include "testsupport/fake_timer_source.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -139,8 +141,7 @@ protected:
         static char* argv[] = {name, nullptr};
         if (!QCoreApplication::instance())
             new QCoreApplication(argc, argv);
-        ScanTestDriver::scanInProgress = false;
-        ScanTestDriver::consecutiveScanFailures = 0;
+        QLoggingCategory::setFilterRules(QStringLiteral("skyvane.*=true"));
         interface->outcomes = {{{network("00:0b:86:ab:34:80", "Lab", 44, -60), network("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}}};
         logged.clear();
         qInstallMessageHandler(captureLog);
@@ -242,7 +243,7 @@ TEST_F(ScanTestDriverTest, EmptyOrFailedScanFallsBackToCachedResults)
         tick();
     EXPECT_TRUE(logged.contains("localizedDescription --- radio busy"));
     EXPECT_EQ(driver.messageLabel(), "");
-    EXPECT_EQ(ScanTestDriver::consecutiveScanFailures, 0);
+    EXPECT_EQ(driver.scanLoop().consecutiveScanFailures(), 0);
 }
 
 TEST_F(ScanTestDriverTest, PauseKeepsTheWaitThatWasLeft)
