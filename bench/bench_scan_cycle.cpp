@@ -1,9 +1,9 @@
 #include "core/memory_settings.h"
-#include "platform/api/clock.h"
+#include "testsupport/manual_clock.h"
 #include "platform/sim/simulated_wireless_client.h"
 #include "scan/record_builder.h"
 #include "scan/scanner_utils.h"
-#include "scanning/literal_scan_store.h"
+#include "testsupport/literal_scan_store.h"
 #include "scanning/scan_database.h"
 #include "scanning/wifi_scan_test.h"
 

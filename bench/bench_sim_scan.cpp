@@ -1,4 +1,4 @@
-#include "platform/api/clock.h"
+#include "testsupport/manual_clock.h"
 #include "platform/sim/simulated_wireless_client.h"
 
 #include <benchmark/benchmark.h>

@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QRegularExpression>
+#include <QXmlStreamReader>
 
 namespace {
 
@@ -20,7 +21,70 @@ bool looksLikeAddress(const QString& text)
     return address.match(text).hasMatch();
 }
 
+// Reads the value whose start element the reader is on, up to and including its end element.
+QVariant readPlistValue(QXmlStreamReader& reader)
+{
+    const QString kind = reader.name().toString();
+    if (kind == u"true" || kind == u"false") {
+        reader.skipCurrentElement();
+        return kind == u"true";
+    }
+    if (kind == u"array") {
+        QVariantList items;
+        while (reader.readNextStartElement())
+            items.append(readPlistValue(reader));
+        return items;
+    }
+    if (kind == u"dict") {
+        QVariantMap entries;
+        QString key;
+        while (reader.readNextStartElement()) {
+            if (reader.name() == u"key")
+                key = reader.readElementText();
+            else
+                entries.insert(key, readPlistValue(reader));
+        }
+        return entries;
+    }
+    const QString text = reader.readElementText();
+    if (kind == u"integer")
+        return text.toLongLong();
+    if (kind == u"real")
+        return text.toDouble();
+    if (kind == u"data")
+        return QByteArray::fromBase64(text.simplified().toLatin1());
+    return text;
+}
+
 } // namespace
+
+std::optional<QList<QVariantMap>> parseNetworkPropertyList(const QByteArray& xml, QString* error)
+{
+    QXmlStreamReader reader(xml);
+    QList<QVariantMap> networks;
+    bool sawArray = false;
+    if (reader.readNextStartElement() && reader.name() == u"plist" && reader.readNextStartElement() &&
+        reader.name() == u"array") {
+        sawArray = true;
+        while (reader.readNextStartElement()) {
+            const QVariant network = readPlistValue(reader);
+            if (network.typeId() != QMetaType::QVariantMap) {
+                *error = QStringLiteral("a network entry is not a dictionary");
+                return std::nullopt;
+            }
+            networks.append(network.toMap());
+        }
+    }
+    if (reader.hasError()) {
+        *error = reader.errorString();
+        return std::nullopt;
+    }
+    if (!sawArray) {
+        *error = QStringLiteral("the listing is not a property list holding an array");
+        return std::nullopt;
+    }
+    return networks;
+}
 
 ChannelInfo parseChannelInfo(const QByteArray& scanListing)
 {

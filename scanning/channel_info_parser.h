@@ -2,7 +2,11 @@
 
 #include <QByteArray>
 #include <QHash>
+#include <QList>
 #include <QString>
+#include <QVariantMap>
+
+#include <optional>
 
 // Reads the channel text and security text of every network from the command-line tool's plain
 // "-s" listing; the wireless service itself reports neither the secondary-channel suffix nor
@@ -13,3 +17,9 @@ struct ChannelInfo {
 };
 
 ChannelInfo parseChannelInfo(const QByteArray& scanListing);
+
+// Reads the "-s -x" listing: a property list holding an array with one dictionary a network.
+// Each dictionary's plain values (string, integer, real, true, false, data) are kept under their
+// keys; nested arrays and dictionaries as lists and maps. nullopt with *error on malformed XML or
+// another shape.
+std::optional<QList<QVariantMap>> parseNetworkPropertyList(const QByteArray& xml, QString* error);

@@ -1,5 +1,7 @@
 #include "scanning/filter_criteria.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 
 namespace {
@@ -8,21 +10,58 @@ const QString anyValue = QStringLiteral("Any");
 
 bool isSet(const QString& text) { return !text.isEmpty() && text != anyValue; }
 
+bool isWholeNumber(const QString& text)
+{
+    static const QRegularExpression number(QStringLiteral("^[+-]?[0-9]{1,9}$"));
+    return number.match(text).hasMatch();
+}
+
 QString andOrWord(int item) { return item == 0 ? QStringLiteral("and") : QStringLiteral("or"); }
 
-// Chains a term onto the condition; the database puts the whole chain in parentheses, so
-// the words here bind by SQL's own precedence.
-void appendTerm(QString& criteria, const QString& word, const QString& term)
+// LIKE reads % and _ in the typed name as wildcards; escaped, a name matches only itself.
+QString likeSubstringPattern(QString text)
 {
-    criteria = criteria.isEmpty() ? term + QLatin1Char(' ')
-                                  : QStringLiteral("%1 %2 %3 ").arg(criteria, word, term);
+    text.replace(QLatin1Char('\\'), QStringLiteral("\\\\"));
+    text.replace(QLatin1Char('%'), QStringLiteral("\\%"));
+    text.replace(QLatin1Char('_'), QStringLiteral("\\_"));
+    return QLatin1Char('%') + text + QLatin1Char('%');
 }
+
+// Builds the shown text and the bound condition side by side, term for term, so both chain the
+// same words in the same order. The database puts the whole chain in parentheses, so the words
+// bind by SQL's own precedence.
+class ConditionChain {
+public:
+    void append(const QString& word, const QString& shownTerm, const QString& boundTerm, const QVariant& value)
+    {
+        const bool first = shown_.isEmpty();
+        shown_ = first ? shownTerm + QLatin1Char(' ') : QStringLiteral("%1 %2 %3 ").arg(shown_, word, shownTerm);
+        bound_.text = first ? boundTerm + QLatin1Char(' ') : QStringLiteral("%1 %2 %3 ").arg(bound_.text, word, boundTerm);
+        bound_.values.append(value);
+    }
+    const QString& shown() const { return shown_; }
+    const SqlCondition& bound() const { return bound_; }
+
+private:
+    QString shown_;
+    SqlCondition bound_;
+};
 
 }  // namespace
 
 bool FilterCriteria::userDidClickedApplyFilterButton()
 {
     const QString previous = filterCriteria;
+    const bool signalSet = !rssiValueForFilter.isEmpty() && rssiValueForFilter != QLatin1String("0");
+    if (isSet(channelForFilterValue) && !isWholeNumber(channelForFilterValue)) {
+        inputError = QStringLiteral("The channel must be a whole number, not \"%1\".").arg(channelForFilterValue);
+        return false;
+    }
+    if (signalSet && !isWholeNumber(rssiValueForFilter)) {
+        inputError = QStringLiteral("The signal must be a whole number of dBm, not \"%1\".").arg(rssiValueForFilter);
+        return false;
+    }
+    inputError.clear();
 
     if (channelBandItem == 1) {
         channelBandForFilterValue = QStringLiteral("2.4");
@@ -40,20 +79,25 @@ bool FilterCriteria::userDidClickedApplyFilterButton()
         rssiStrongOrWeek = false;
     }
 
-    filterCriteria.clear();
+    ConditionChain chain;
     if (isSet(ssidForFilterValue)) {
-        filterCriteria = QStringLiteral("SSID like '%1' ").arg(QLatin1Char('%') + ssidForFilterValue + QLatin1Char('%'));
+        chain.append({}, QStringLiteral("SSID like '%1'").arg(QLatin1Char('%') + ssidForFilterValue + QLatin1Char('%')),
+                     QStringLiteral("SSID like ? escape '\\'"), likeSubstringPattern(ssidForFilterValue));
     }
     if (isSet(channelForFilterValue)) {
-        appendTerm(filterCriteria, isFirstAnd, QStringLiteral("originalChannel=") + channelForFilterValue);
+        chain.append(isFirstAnd, QStringLiteral("originalChannel=") + channelForFilterValue,
+                     QStringLiteral("originalChannel=?"), channelForFilterValue.toInt());
     }
     if (!channelBandForFilterValue.isEmpty()) {
-        appendTerm(filterCriteria, isSecondAnd, QStringLiteral("channelBond=") + channelBandForFilterValue);
+        chain.append(isSecondAnd, QStringLiteral("channelBond=") + channelBandForFilterValue,
+                     QStringLiteral("channelBond=?"), channelBandForFilterValue.toDouble());
     }
-    if (!rssiValueForFilter.isEmpty() && rssiValueForFilter != QLatin1String("0")) {
+    if (signalSet) {
         const QString comparison = rssiStrongOrWeek ? QStringLiteral("rssi > ") : QStringLiteral("rssi < ");
-        appendTerm(filterCriteria, isThirdAnd, comparison + rssiValueForFilter);
+        chain.append(isThirdAnd, comparison + rssiValueForFilter, comparison + QLatin1Char('?'), rssiValueForFilter.toInt());
     }
+    filterCriteria = chain.shown();
+    condition = chain.bound();
     return filterCriteria != previous;
 }
 
@@ -61,6 +105,8 @@ bool FilterCriteria::clearFilter()
 {
     const bool hadCondition = !filterCriteria.isEmpty();
     filterCriteria.clear();
+    condition = {};
+    inputError.clear();
     ssidForFilterValue.clear();
     channelForFilterValue.clear();
     rssiValueForFilter.clear();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "scanning/sql_condition.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -27,8 +29,14 @@ public:
     QString isFirstAnd = QStringLiteral("and");
     QString isSecondAnd = QStringLiteral("and");
     QString isThirdAnd = QStringLiteral("and");
-    QString filterCriteria;  // empty = no filter
+    QString filterCriteria;  // empty = no filter; the text the user is shown
+    // The same condition as the database runs it: the typed values are bound, never spliced in.
+    SqlCondition condition;
+    // Why the last apply was refused (a channel or signal that is not a number); empty after a
+    // successful apply. A refused apply keeps the previous condition.
+    QString inputError;
 
+    // Filled by the scan processing with every name and channel it shows; the completion reads them.
     QStringList allSSIDs;
     QStringList allChannels;
 
@@ -36,7 +44,8 @@ public:
     bool commandHandling = false;
 
     // Rebuilds filterCriteria from the inputs. Returns whether it changed, in which case the
-    // caller scans at once and refreshes the apply button.
+    // caller scans at once and refreshes the apply button. Returns false with inputError set
+    // when the channel or signal field holds something other than a whole number.
     bool userDidClickedApplyFilterButton();
     // Empties the condition and the text fields and resets the band. Returns whether a
     // condition had been set, in which case the caller scans at once.

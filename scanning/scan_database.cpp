@@ -1,10 +1,10 @@
 #include "scanning/scan_database.h"
 
 #include "scan/scanner_utils.h"
+#include "scanning/log_category.h"
 #include "scanning/scan_database_impl.h"
 #include "scanning/sqlite_statement.h"
 
-#include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -34,6 +34,40 @@ void createIndexes(sqlite3* db)
         "CREATE INDEX IF NOT EXISTS wifi_scan_data_normalized_ssid ON wifi_scan_data (normalized_ssid)"));
 }
 
+// The table as this program ships it, and as its one migration leaves it.
+const QStringList shippedColumns = {
+    QStringLiteral("originalchannel"), QStringLiteral("channel"), QStringLiteral("phymode"), QStringLiteral("rssi"),
+    QStringLiteral("noise"), QStringLiteral("ssid"), QStringLiteral("bssid"), QStringLiteral("singnaltonoise"),
+    QStringLiteral("securitymode"), QStringLiteral("ibss"), QStringLiteral("lastseen"), QStringLiteral("channelbond")};
+const QString migratedColumn = QStringLiteral("normalized_ssid");
+
+// Readers such as the sqlite3 shell may hold the file for a moment; a statement waits for them
+// this long before it fails.
+constexpr int busyTimeoutMs = 5000;
+
+// Why the open file is not this program's observation table, or an empty text when it is.
+// Another program's wifi_scan_data is refused rather than migrated: it is not ours to alter.
+QString schemaProblem(sqlite3* db, const QString& path)
+{
+    scandb::Statement columns(db, QStringLiteral("PRAGMA table_info(wifi_scan_data)"));
+    if (!columns.isPrepared())
+        return columns.prepareError();
+    QStringList names;
+    int status = SQLITE_ROW;
+    while ((status = columns.step()) == SQLITE_ROW)
+        names.append(columns.columnText(1).toLower());
+    if (status != SQLITE_DONE)
+        return scandb::errorMessage(db);
+    if (names.isEmpty()) {
+        const QString reason = scandb::Statement(db, QStringLiteral("SELECT * FROM wifi_scan_data")).prepareError();
+        return QFileInfo(path).size() == 0 ? QStringLiteral("the file is empty (%1)").arg(reason) : reason;
+    }
+    if (names == shippedColumns || names == shippedColumns + QStringList{migratedColumn})
+        return {};
+    return QStringLiteral("its table wifi_scan_data has other columns (%1) than this program's")
+        .arg(names.join(QStringLiteral(", ")));
+}
+
 bool readsDoubleQuotedTextAsLiteral(sqlite3* db)
 {
     return scandb::Statement(db, QStringLiteral("SELECT \"skyvane\"")).isPrepared();
@@ -48,13 +82,14 @@ bool copyShippedDatabase(const QString& target)
                                              QFileDevice::ReadGroup | QFileDevice::ReadOther);
 }
 
-std::optional<int> lastCountStepped(sqlite3* db, const QString& text, const char* failureText)
+std::optional<int> lastCountStepped(sqlite3* db, const SqlCondition& query, const char* failureText)
 {
-    scandb::Statement statement(db, text);
+    scandb::Statement statement(db, query.text);
     if (!statement.isPrepared()) {
-        qWarning().noquote() << QString::fromLatin1(failureText).arg(statement.prepareError());
+        qCInfo(lcScanning).noquote() << QString::fromLatin1(failureText).arg(statement.prepareError());
         return std::nullopt;
     }
+    statement.bindAll(query.values);
     int count = 0;
     while (statement.step() == SQLITE_ROW)
         count = sqlite3_column_int(statement.get(), 0);
@@ -84,12 +119,30 @@ StoredObservation readRow(const scandb::Statement& statement)
 ScanDatabase::ScanDatabase(const QString& path) : impl_(std::make_unique<Impl>())
 {
     impl_->path = path.isEmpty() ? defaultPath() : path;
-    QDir().mkpath(QFileInfo(impl_->path).absolutePath());
-    if (!QFileInfo::exists(impl_->path))
-        copyShippedDatabase(impl_->path);
-    if (sqlite3_open(impl_->path.toUtf8().constData(), &impl_->db) != SQLITE_OK) {
-        sqlite3_close(impl_->db);
-        impl_->db = nullptr;
+    // Why the file cannot be this scanner's database, or an empty text once it is open.
+    const auto open = [this]() -> QString {
+        const QString folder = QFileInfo(impl_->path).absolutePath();
+        if (!QDir().mkpath(folder))
+            return QStringLiteral("cannot create the folder %1").arg(folder);
+        // Taken before anything is read or copied, so a second scanner changes nothing at all.
+        QString lockError;
+        impl_->lock = DatabaseLock::acquire(impl_->path, &lockError);
+        if (!impl_->lock)
+            return lockError;
+        if (!QFileInfo::exists(impl_->path) && !copyShippedDatabase(impl_->path))
+            return QStringLiteral("cannot create %1").arg(impl_->path);
+        // Without SQLITE_OPEN_CREATE a file that vanished is an error, not a new empty database.
+        if (sqlite3_open_v2(impl_->path.toUtf8().constData(), &impl_->db, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK)
+            return scandb::errorMessage(impl_->db);
+        sqlite3_busy_timeout(impl_->db, busyTimeoutMs);
+        // A file without write permission opens read-only without complaint; every scan would then fail.
+        if (sqlite3_db_readonly(impl_->db, "main") == 1)
+            return QString::fromUtf8(sqlite3_errstr(SQLITE_READONLY));
+        return schemaProblem(impl_->db, impl_->path);
+    };
+    impl_->openError = open();
+    if (!impl_->openError.isEmpty()) {
+        close();
         return;
     }
     impl_->doubleQuotedTextIsLiteral = readsDoubleQuotedTextAsLiteral(impl_->db);
@@ -108,10 +161,15 @@ QString ScanDatabase::path() const { return impl_->path; }
 
 bool ScanDatabase::isOpen() const { return impl_->db != nullptr; }
 
+QString ScanDatabase::openError() const { return impl_->openError; }
+
+QString ScanDatabase::lastError() const { return impl_->lastError; }
+
 void ScanDatabase::close()
 {
     sqlite3_close(impl_->db);
     impl_->db = nullptr;
+    impl_->lock.reset();
 }
 
 sqlite3* ScanDatabase::handle() const { return impl_->db; }
@@ -121,7 +179,7 @@ void ScanDatabase::updateDatabase()
     scandb::Statement alter(impl_->db, QStringLiteral("alter table wifi_scan_data add COLUMN normalized_ssid"));
     if (alter.isPrepared()) {
         alter.step();
-        qInfo().noquote() << QStringLiteral("column normalized_ssid added");
+        qCInfo(lcScanning).noquote() << QStringLiteral("column normalized_ssid added");
     }
     createIndexes(impl_->db);
 }
@@ -144,35 +202,49 @@ void ScanDatabase::reindex()
     }
 }
 
-void ScanDatabase::deleteAll()
+bool ScanDatabase::deleteAll()
 {
+    if (!impl_->db) {
+        impl_->lastError = impl_->openError;
+        return false;
+    }
     scandb::Statement statement(impl_->db, QStringLiteral("delete from wifi_scan_data"));
     if (!statement.isPrepared()) {
-        qWarning().noquote() << QStringLiteral("Error while deleting old scanned data '%1'").arg(statement.prepareError());
-        return;
+        impl_->lastError = statement.prepareError();
+        qCInfo(lcScanning).noquote() << QStringLiteral("Error while deleting old scanned data '%1'").arg(impl_->lastError);
+        return false;
     }
-    statement.step();
+    if (statement.step() != SQLITE_DONE) {
+        impl_->lastError = scandb::errorMessage(impl_->db);
+        qCInfo(lcScanning).noquote() << QStringLiteral("Error while deleting old scanned data '%1'").arg(impl_->lastError);
+        return false;
+    }
+    return true;
 }
 
-std::optional<QList<StoredObservation>> ScanDatabase::readForDisplay(const QString& filterCriteria,
+std::optional<QList<StoredObservation>> ScanDatabase::readForDisplay(const SqlCondition& filter,
                                                                      const QString& activeBssid, bool merge)
 {
-    const bool filtered = !filterCriteria.isEmpty();
+    const bool filtered = !filter.isEmpty();
     QString text;
     if (merge && filtered)
-        text = mergedColumns + QStringLiteral("FROM (select * from wifi_scan_data where (%1) or bssid='%2' order by rssi asc) group by ssid,channelBond")
-                                    .arg(filterCriteria, activeBssid);
+        text = mergedColumns + QStringLiteral("FROM (select * from wifi_scan_data where (%1) or bssid=? order by rssi asc) group by ssid,channelBond")
+                                    .arg(filter.text);
     else if (merge)
         text = mergedColumns + QStringLiteral("FROM (select * from wifi_scan_data order by rssi asc) group by ssid,channelBond");
     else if (filtered)
-        text = displayColumns + QStringLiteral("FROM wifi_scan_data where (%1) or bssid='%2'").arg(filterCriteria, activeBssid);
+        text = displayColumns + QStringLiteral("FROM wifi_scan_data where (%1) or bssid=?").arg(filter.text);
     else
         text = displayColumns + QStringLiteral("FROM wifi_scan_data");
 
     scandb::Statement statement(impl_->db, text);
     if (!statement.isPrepared()) {
-        qWarning().noquote() << QStringLiteral("Error while saving scan result info. '%1'").arg(statement.prepareError());
+        qCInfo(lcScanning).noquote() << QStringLiteral("Error while saving scan result info. '%1'").arg(statement.prepareError());
         return std::nullopt;
+    }
+    if (filtered) {
+        statement.bindAll(filter.values);
+        statement.bindText(static_cast<int>(filter.values.size()) + 1, activeBssid);
     }
     QList<StoredObservation> rows;
     int status = SQLITE_ROW;
@@ -180,18 +252,22 @@ std::optional<QList<StoredObservation>> ScanDatabase::readForDisplay(const QStri
         rows.append(readRow(statement));
     // A half-read table would drop rows from the view; keeping the previous rows is better.
     if (status != SQLITE_DONE) {
-        qWarning().noquote() << QStringLiteral("Error while saving scan result info. '%1'").arg(scandb::errorMessage(impl_->db));
+        qCInfo(lcScanning).noquote() << QStringLiteral("Error while saving scan result info. '%1'").arg(scandb::errorMessage(impl_->db));
         return std::nullopt;
     }
     return rows;
 }
 
-std::optional<int> ScanDatabase::matchCount(const QString& filterCriteria, const QString& activeBssid)
+std::optional<int> ScanDatabase::matchCount(const SqlCondition& filter, const QString& activeBssid)
 {
-    const QString text = filterCriteria.isEmpty()
-        ? QStringLiteral("select count(*) from wifi_scan_data order by rssi asc")
-        : QStringLiteral("select count(*) from wifi_scan_data where (%1) or bssid='%2' order by rssi asc").arg(filterCriteria, activeBssid);
-    return lastCountStepped(impl_->db, text, "Error while fetching count of scan results '%1'");
+    if (filter.isEmpty())
+        return lastCountStepped(impl_->db, QStringLiteral("select count(*) from wifi_scan_data order by rssi asc"),
+                                "Error while fetching count of scan results '%1'");
+    QVariantList values = filter.values;
+    values.append(activeBssid);
+    return lastCountStepped(impl_->db,
+                            {QStringLiteral("select count(*) from wifi_scan_data where (%1) or bssid=? order by rssi asc").arg(filter.text), values},
+                            "Error while fetching count of scan results '%1'");
 }
 
 void ScanDatabase::updateNetworkCountsForSummaryWindow(core::UserSettings& settings)

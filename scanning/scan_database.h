@@ -3,6 +3,7 @@
 #include "core/interface_generation.h"
 #include "core/user_settings.h"
 #include "scan/record_builder.h"
+#include "scanning/sql_condition.h"
 
 #include <QList>
 #include <QString>
@@ -38,13 +39,16 @@ struct ObservationRow {
                                          double secondsSince1970, core::InterfaceGeneration generation);
 };
 
-// The scan database: one SQLite file holding the observations of the running test. Every
-// failure is logged with its fixed text and the operation skipped; nothing throws.
+// The scan database: one SQLite file holding the observations of the running test. A file this
+// program cannot use as its own (unwritable, not a database, empty, another program's table, in
+// use by another scanner) is refused at opening with the reason; later statement failures are
+// logged with their fixed texts and reported by the writing operations. Nothing throws.
 // Used from one thread (the owner's).
 class ScanDatabase {
 public:
     // Opens (creating the folder and copying the shipped empty database when the file is
-    // missing). An empty path means "<XDG data>/Skyvane/Database.sqlite".
+    // missing) and holds the file's scanner lock until closed. An empty path means
+    // "<XDG data>/Skyvane/Database.sqlite".
     explicit ScanDatabase(const QString& path = QString());
     ~ScanDatabase();
     ScanDatabase(const ScanDatabase&) = delete;
@@ -53,21 +57,25 @@ public:
     static QString defaultPath();
     QString path() const;
     bool isOpen() const;
+    // Why the database was refused at opening; empty when it is open.
+    QString openError() const;
+    // SQLite's message for the last failed write (deleteAll, storeScan).
+    QString lastError() const;
     void close();
 
     void updateDatabase();
     void reindex();
-    // "delete from wifi_scan_data" at the start of a test.
-    void deleteAll();
+    // "delete from wifi_scan_data" at the start of a test; false when the old rows are still there.
+    bool deleteAll();
     // Stores one scan (rows in scan order) in one transaction, deleting each row's
-    // predecessors by name (merge) or by BSSID first.
-    void storeScan(const QList<ObservationRow>& rows, bool merge);
+    // predecessors by name (merge) or by BSSID first; false when the scan was not stored.
+    bool storeScan(const QList<ObservationRow>& rows, bool merge);
     // Rows to show, in query order; std::nullopt when the statement failed (the caller keeps
-    // its previous rows).
-    std::optional<QList<StoredObservation>> readForDisplay(const QString& filterCriteria,
-                                                           const QString& activeBssid, bool merge);
+    // its previous rows). The filter's values are bound; so is the associated BSSID.
+    std::optional<QList<StoredObservation>> readForDisplay(const SqlCondition& filter, const QString& activeBssid,
+                                                           bool merge);
     // The merged count query's value; std::nullopt when it failed.
-    std::optional<int> matchCount(const QString& filterCriteria, const QString& activeBssid);
+    std::optional<int> matchCount(const SqlCondition& filter, const QString& activeBssid);
     // The summary window's counts are kept as settings.
     void updateNetworkCountsForSummaryWindow(core::UserSettings& settings);
     void update24MhzNetworkCountsForSummaryWindow(core::UserSettings& settings);

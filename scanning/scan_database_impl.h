@@ -1,8 +1,11 @@
 #pragma once
 
+#include "scanning/database_lock.h"
 #include "scanning/scan_database.h"
 
 #include <QString>
+
+#include <memory>
 
 struct sqlite3;
 
@@ -16,6 +19,9 @@ void bindObservation(Statement& insert, const ObservationRow& row);
 struct ScanDatabase::Impl {
     QString path;
     sqlite3* db = nullptr;
+    std::unique_ptr<DatabaseLock> lock;
+    QString openError;
+    QString lastError;
     // Whether this SQLite build reads a double-quoted word that names no column as a string.
     // The delete by name relies on it; without it that delete fails in every form.
     bool doubleQuotedTextIsLiteral = false;

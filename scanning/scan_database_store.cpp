@@ -1,9 +1,9 @@
 #include "scanning/scan_database.h"
 
+#include "scanning/log_category.h"
 #include "scanning/scan_database_impl.h"
 #include "scanning/sqlite_statement.h"
 
-#include <QDebug>
 #include <QSet>
 
 #include <memory>
@@ -16,12 +16,12 @@ const QString insertText = QStringLiteral(
 
 void logDeleteFailure(const QString& message)
 {
-    qWarning().noquote() << QStringLiteral("Error while deleting old scanned data '%1'").arg(message);
+    qCInfo(lcScanning).noquote() << QStringLiteral("Error while deleting old scanned data '%1'").arg(message);
 }
 
 void logSaveFailure(const QString& message)
 {
-    qWarning().noquote() << QStringLiteral("Error while saving scan result info. '%1'").arg(message);
+    qCInfo(lcScanning).noquote() << QStringLiteral("Error while saving scan result info. '%1'").arg(message);
 }
 
 // Deletes each stored row's predecessors before it is inserted.
@@ -142,37 +142,50 @@ void scandb::bindObservation(Statement& insert, const ObservationRow& row)
 
 namespace {
 
-void storeRows(sqlite3* db, const QList<ObservationRow>& rows, bool merge, bool doubleQuotedTextIsLiteral)
+// Returns SQLite's message for the first row that was not stored; empty when all were.
+QString storeRows(sqlite3* db, const QList<ObservationRow>& rows, bool merge, bool doubleQuotedTextIsLiteral)
 {
+    QString failure;
     scandb::Statement insert(db, insertText);
     PredecessorDeletion deletion(db, merge, doubleQuotedTextIsLiteral);
     for (const ObservationRow& row : rows) {
         // Compiled once for the scan, but a failure is still reported for every row it stops.
-        if (!insert.isPrepared())
+        if (!insert.isPrepared()) {
             logSaveFailure(insert.prepareError());
+            if (failure.isEmpty())
+                failure = insert.prepareError();
+        }
         deletion.deleteFor(row);
         if (row.hidden)
-            qInfo().noquote() << QStringLiteral("Here i got a hidden ssid with bssid as %1").arg(row.bssid);
+            qCInfo(lcScanning).noquote() << QStringLiteral("Here i got a hidden ssid with bssid as %1").arg(row.bssid);
         if (!insert.isPrepared())
             continue;
         scandb::bindObservation(insert, row);
-        if (insert.step() != SQLITE_DONE)
+        if (insert.step() != SQLITE_DONE) {
             logSaveFailure(scandb::errorMessage(db));
+            if (failure.isEmpty())
+                failure = scandb::errorMessage(db);
+        }
         insert.reset();
     }
+    return failure;
 }
 
 } // namespace
 
-void ScanDatabase::storeScan(const QList<ObservationRow>& rows, bool merge)
+bool ScanDatabase::storeScan(const QList<ObservationRow>& rows, bool merge)
 {
     sqlite3* db = impl_->db;
     // One transaction per scan: one journal sync instead of two per network, and a kill in the
     // middle of a scan leaves the previous scan's rows rather than half of this one.
     const bool ownTransaction = sqlite3_exec(db, "BEGIN", nullptr, nullptr, nullptr) == SQLITE_OK;
-    storeRows(db, rows, merge, impl_->doubleQuotedTextIsLiteral);
+    QString failure = storeRows(db, rows, merge, impl_->doubleQuotedTextIsLiteral);
     if (ownTransaction && sqlite3_exec(db, "COMMIT", nullptr, nullptr, nullptr) != SQLITE_OK) {
-        logSaveFailure(scandb::errorMessage(db));
+        failure = scandb::errorMessage(db);
+        logSaveFailure(failure);
         sqlite3_exec(db, "ROLLBACK", nullptr, nullptr, nullptr);
     }
+    if (!failure.isEmpty())
+        impl_->lastError = failure;
+    return failure.isEmpty();
 }

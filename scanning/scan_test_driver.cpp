@@ -1,11 +1,5 @@
 #include "scanning/scan_test_driver.h"
 
-
-#include <QCoreApplication>
-#include <QRegularExpression>
-#include <QThread>
-#include <QDebug>
-
 #include <algorithm>
 #include <chrono>
 
@@ -19,63 +13,32 @@ constexpr auto launchScanDelay = std::chrono::milliseconds(1500);
 constexpr auto launchSpinnerDelay = std::chrono::milliseconds(1000);
 constexpr auto channelRefreshInterval = std::chrono::seconds(60);
 
-QString shellQuoted(const QString& text)
-{
-    static const QRegularExpression plain(QStringLiteral("^[A-Za-z0-9_@%+=:,./-]+$"));
-    if (plain.match(text).hasMatch())
-        return text;
-    QString quoted = text;
-    quoted.replace(QLatin1Char('\''), QStringLiteral("'\\''"));
-    return QLatin1Char('\'') + quoted + QLatin1Char('\'');
-}
-
 } // namespace
 
 ScanTestDriver::ScanTestDriver(std::shared_ptr<platform::WirelessInterface> currentInterface, ScanDatabase& database,
                                core::UserSettings& settings, TimerSource& timers, platform::CommandRunner& commands,
                                QString toolPath, QStringList toolArguments, QObject* parent)
-    : QObject(parent), currentInterface_(std::move(currentInterface)), database_(database), settings_(settings),
-      timers_(timers),
-      commands_(commands), toolPath_(std::move(toolPath)), toolArguments_(std::move(toolArguments)),
-      airportInterfaceName_(currentInterface_->interfaceName())
+    : QObject(parent), database_(database), timers_(timers), airportInterfaceName_(currentInterface->interfaceName()),
+      channels_(commands, std::move(toolPath), std::move(toolArguments)),
+      processor_(currentInterface, database, settings, timers, channels_, filter_), loop_(currentInterface, timers)
 {
+    loop_.setScanHandler([this](const QList<platform::ScanResult>& networks) { updateViewOfScanData(networks); });
+    connect(&loop_, &ScanLoop::spinnerChanged, this, &ScanTestDriver::spinnerChanged);
+    connect(&loop_, &ScanLoop::messageLabelChanged, this, &ScanTestDriver::messageLabelChanged);
+    connect(&loop_, &ScanLoop::scanErrorReported, this, &ScanTestDriver::scanErrorReported);
+    connect(&tests_, &ScanTestList::testListChanged, this, &ScanTestDriver::testListChanged);
+    connect(&tests_, &ScanTestList::alertRequested, this, &ScanTestDriver::alertRequested);
+    connect(&channels_, &ChannelInfoRefresher::channelInfoChanged, this, &ScanTestDriver::channelInfoChanged);
 }
 
-ScanTestDriver::~ScanTestDriver()
-{
-    shuttingDown_ = true;
-    waitForBackgroundWork();
-}
-
-void ScanTestDriver::setResultsListener(ScanResultsListener* listener)
-{
-    listener_ = listener;
-}
-
-void ScanTestDriver::setConfirmation(Confirmation confirmation)
-{
-    confirmation_ = std::move(confirmation);
-}
+// The members end their own background work as they go, the scan loop first.
+ScanTestDriver::~ScanTestDriver() = default;
 
 void ScanTestDriver::waitForBackgroundWork()
 {
-    // A background task may be blocked until this thread runs its hand-off, so the hand-offs
-    // are delivered while waiting rather than after.
-    while (!pool_.waitForDone(2))
-        QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
-    QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
-}
-
-void ScanTestDriver::runOnOwnerThread(std::function<void()> f, bool wait)
-{
-    auto guarded = [this, f = std::move(f)] {
-        if (!shuttingDown_)
-            f();
-    };
-    if (QThread::currentThread() == thread())
-        guarded();
-    else
-        QMetaObject::invokeMethod(this, std::move(guarded), wait ? Qt::BlockingQueuedConnection : Qt::QueuedConnection);
+    launchWork_.waitForDone();
+    channels_.waitForBackgroundWork();
+    loop_.waitForBackgroundWork();
 }
 
 void ScanTestDriver::setRunButton(int tag, const QString& title)
@@ -85,28 +48,10 @@ void ScanTestDriver::setRunButton(int tag, const QString& title)
     emit runButtonChanged(tag, title);
 }
 
-void ScanTestDriver::setMessageLabel(const QString& text)
-{
-    messageLabel_ = text;
-    emit messageLabelChanged(text);
-}
-
 void ScanTestDriver::setIntervalSelectorEnabled(bool enabled)
 {
     intervalSelectorEnabled_ = enabled;
     emit intervalSelectorEnabledChanged(enabled);
-}
-
-void ScanTestDriver::startRefreshAnimation()
-{
-    spinnerVisible_ = true;
-    emit spinnerChanged(true);
-}
-
-void ScanTestDriver::stopRefreshAnimation()
-{
-    spinnerVisible_ = false;
-    emit spinnerChanged(false);
 }
 
 void ScanTestDriver::scanButtonPressed()
@@ -131,92 +76,38 @@ void ScanTestDriver::scanButtonPressed()
 
 void ScanTestDriver::cancelButtonPressed()
 {
-    if (!scanTimer_)
+    if (!loop_.isRunning())
         return;
-    scanTimer_.reset();
-    pauseStart_ = QDateTime();
-    previousFireDate_ = QDateTime();
+    loop_.stop();
     setRunButton(Idle, startTitle);
-    if (!wifiScanTestArray_.isEmpty()) {
-        WiFiScanTest& newest = *wifiScanTestArray_.first();
-        newest.isTestRunning = false;
-        if (newest.testLabel == QLatin1String("Scanning"))
-            newest.testLabel = QStringLiteral("Scanned");
-    }
-    emit testListChanged();
+    tests_.stopNewest();
     setIntervalSelectorEnabled(true);
     stopRefreshAnimation();
-    if (listener_)
-        listener_->scanDidStoppedByUser();
+    if (ScanResultsListener* listener = tests_.resultsListener())
+        listener->scanDidStoppedByUser();
 }
 
 void ScanTestDriver::startNewScanTest()
 {
-    database_.deleteAll();
+    // Rows left from an earlier test must never be shown as this test's: without an empty
+    // table there is no test.
+    if (!database_.deleteAll()) {
+        setRunButton(Idle, startTitle);
+        reportDatabaseFailure();
+        return;
+    }
     totalSeconds_ = 0;
-
-    auto test = std::make_shared<WiFiScanTest>();
-    test->testLabel = QStringLiteral("Scanning");
-    test->isTestRunning = true;
-    test->index = 0;
-    test->refreshInterval = refreshIntervalSeconds_;
-    wifiScanTestArray_.prepend(test);
-
-    shownTest_ = test;
-    if (listener_) {
-        listener_->setCurrentTest(test);
-        listener_->reset();
-    }
-    emit testListChanged();
-
-    // The first scan counts as in flight too, so a tick that comes before it lands is dropped.
-    scanInProgress = true;
-    startBackgroundScan();
-
+    const auto test = tests_.startTest(refreshIntervalSeconds_);
     // A zero interval would spin; the selector offers whole seconds from one up.
-    const auto interval = std::chrono::seconds(std::max(1, refreshIntervalSeconds_));
-    scanTimer_ = timers_.scheduledTimer(interval, true, [this] { performScanForeground(); });
-    pauseStart_ = QDateTime();
-    previousFireDate_ = QDateTime();
-
+    loop_.start(std::chrono::seconds(std::max(1, refreshIntervalSeconds_)));
     setIntervalSelectorEnabled(false);
-    if (listener_)
-        listener_->scanDidStartedByUser(test);
-}
-
-void ScanTestDriver::performScanForeground()
-{
-    if (scanInProgress.exchange(true))
-        return;
-    startBackgroundScan();
-}
-
-void ScanTestDriver::pauseTimer()
-{
-    // A second pause must not take the parked date for the real one.
-    if (scanTimer_ && !isPaused()) {
-        pauseStart_ = timers_.now();
-        previousFireDate_ = scanTimer_->fireDate();
-        scanTimer_->setFireDate(TimerSource::distantFuture());
-    }
-    stopRefreshAnimation();
-}
-
-void ScanTestDriver::resumeTimer()
-{
-    if (!scanTimer_ || !isPaused())
-        return;
-    const qint64 pausedMs = pauseStart_.msecsTo(timers_.now());
-    scanTimer_->setFireDate(previousFireDate_.addMSecs(pausedMs));
-    pauseStart_ = QDateTime();
-    previousFireDate_ = QDateTime();
-    scanInProgress = false;
-    startRefreshAnimation();
+    if (ScanResultsListener* listener = tests_.resultsListener())
+        listener->scanDidStartedByUser(test);
 }
 
 void ScanTestDriver::goToForeGround()
 {
-    runOnOwnerThread([this] { applicationDidFinishLaunching(); }, false);
+    launchWork_.runOnOwnerThread([this] { applicationDidFinishLaunching(); }, false);
 }
 
 void ScanTestDriver::applicationDidFinishLaunching()
@@ -227,104 +118,31 @@ void ScanTestDriver::applicationDidFinishLaunching()
     refreshChannelInfo();
 }
 
-QString ScanTestDriver::channelInfoCommand() const
+void ScanTestDriver::updateViewOfScanData(const QList<platform::ScanResult>& networks)
 {
-    QString command = shellQuoted(toolPath_);
-    for (const QString& argument : toolArguments_)
-        command += QLatin1Char(' ') + shellQuoted(argument);
-    return command + QStringLiteral(" -s");
-}
-
-void ScanTestDriver::refreshChannelInfo()
-{
-    const QString command = channelInfoCommand();
-    pool_.start([this, command] {
-        const platform::CommandOutput output = commands_.runShellCommand(command);
-        if (!output.started || output.exitCode != 0) {
-            QString reason = QString::fromUtf8(output.standardError).trimmed();
-            if (reason.isEmpty())
-                reason = output.started ? QStringLiteral("exit status %1").arg(output.exitCode)
-                                        : QStringLiteral("%1 could not be started").arg(toolPath_);
-            qWarning().noquote() << QStringLiteral("Got error while determining channel info: %1").arg(reason);
-            return;
-        }
-        ChannelInfo info = parseChannelInfo(output.standardOutput);
-        runOnOwnerThread([this, info = std::move(info)] { applyChannelInfo(info); }, false);
-    });
-}
-
-void ScanTestDriver::applyChannelInfo(const ChannelInfo& info)
-{
-    bssidSecurityTypeMapping_ = info.securityByBssid;
-    for (auto it = info.channelByBssid.cbegin(); it != info.channelByBssid.cend(); ++it)
-        bssidToChannelMapping_.insert(it.key(), it.value());
-    emit channelInfoChanged();
-}
-
-std::optional<ScanedResultInfo> ScanTestDriver::getConnectedNetworkDetails() const
-{
-    if (wifiScanTestArray_.isEmpty())
-        return std::nullopt;
-    const WiFiScanTest& newest = *wifiScanTestArray_.first();
-    const auto history = newest.scanedResults.constFind(newest.activeBSSID);
-    if (history == newest.scanedResults.cend() || history->isEmpty())
-        return std::nullopt;
-    return history->first();
-}
-
-void ScanTestDriver::tableViewSelectionDidChange(int row)
-{
-    if (row < 0 || row >= wifiScanTestArray_.size())
-        return;
-    const auto test = wifiScanTestArray_.at(row);
-    shownTest_ = test;
-    if (!listener_) {
-        test->index = row;
+    const std::shared_ptr<WiFiScanTest> test = tests_.newest();
+    if (!test) {
+        loop_.finishScan();
         return;
     }
-    // reset forgets the view's selection, which is what a test without "plot all" plots next.
-    const QStringList previous = listener_->selectedBssids();
-    listener_->setCurrentTest(test);
-    test->index = row;
-    listener_->reset();
-    const QStringList toPlot = listener_->shouldPlotAll() ? test->scanedResults.keys() : previous;
-    QStringList selection = listener_->selectedBssids();
-    for (const QString& bssid : toPlot) {
-        if (!selection.contains(bssid))
-            selection.append(bssid);
+    const ScanProcessor::Result result = processor_.updateViewOfScanData(*test, networks, refreshIntervalSeconds_);
+    if (result == ScanProcessor::Result::Processed) {
+        emit countLabelChanged(processor_.countLabel());
+        if (ScanResultsListener* listener = tests_.resultsListener())
+            listener->updateView(test);
     }
-    listener_->setSelectedBssids(selection);
-    listener_->updateView(test);
+    loop_.finishScan();
+    if (result == ScanProcessor::Result::DatabaseFailed) {
+        // Every later scan would fail the same way; one stop and one message say it once.
+        cancelButtonPressed();
+        reportDatabaseFailure();
+        return;
+    }
+    emit scanProcessed(test);
 }
 
-void ScanTestDriver::renameTest(int row, const QString& label)
+void ScanTestDriver::reportDatabaseFailure()
 {
-    if (row < 0 || row >= wifiScanTestArray_.size() || wifiScanTestArray_.at(row)->testLabel == label)
-        return;
-    wifiScanTestArray_.at(row)->testLabel = label;
-    emit testListChanged();
-}
-
-void ScanTestDriver::removeTest(int row)
-{
-    if (row < 0 || row >= wifiScanTestArray_.size())
-        return;
-    const auto test = wifiScanTestArray_.at(row);
-    if (test->isTestRunning) {
-        emit alertRequested(QStringLiteral("You cannot delete currently running test."), QString());
-        return;
-    }
-    const Question question{QStringLiteral("Are you sure you want to delete?"), QStringLiteral("Yes"),
-                            QStringLiteral("Cancel")};
-    if (!confirmation_ || !confirmation_(question)) {
-        qInfo() << "User selected not to delete";
-        return;
-    }
-    if (shownTest_ == test) {
-        if (listener_)
-            listener_->clearView();
-        shownTest_.reset();
-    }
-    wifiScanTestArray_.removeAt(row);
-    emit testListChanged();
+    const QString reason = database_.isOpen() ? database_.lastError() : database_.openError();
+    emit databaseFailed(QStringLiteral("the scan database %1 cannot be used: %2").arg(database_.path(), reason));
 }

@@ -17,6 +17,28 @@ void Statement::bindText(int column, const QString& value)
     sqlite3_bind_text(stmt_, column, utf8.constData(), -1, SQLITE_TRANSIENT);
 }
 
+void Statement::bind(int placeholder, const QVariant& value)
+{
+    switch (value.typeId()) {
+    case QMetaType::Int:
+    case QMetaType::LongLong:
+        sqlite3_bind_int64(stmt_, placeholder, value.toLongLong());
+        break;
+    case QMetaType::Double:
+        sqlite3_bind_double(stmt_, placeholder, value.toDouble());
+        break;
+    default:
+        bindText(placeholder, value.toString());
+        break;
+    }
+}
+
+void Statement::bindAll(const QVariantList& values, int firstPlaceholder)
+{
+    for (qsizetype i = 0; i < values.size(); ++i)
+        bind(firstPlaceholder + static_cast<int>(i), values.at(i));
+}
+
 QString Statement::columnText(int column) const
 {
     const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, column));

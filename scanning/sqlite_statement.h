@@ -2,6 +2,8 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QVariant>
+#include <QVariantList>
 
 #include <sqlite3.h>
 
@@ -28,6 +30,9 @@ public:
         sqlite3_clear_bindings(stmt_);
     }
     void bindText(int column, const QString& value);
+    // Integers, reals and texts; the first placeholder is 1.
+    void bind(int placeholder, const QVariant& value);
+    void bindAll(const QVariantList& values, int firstPlaceholder = 1);
     QString columnText(int column) const;
 
 private:

@@ -7,11 +7,10 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <vector>
 
 // Timers whose next fire date can be read and moved, so a pause can park a timer in the
 // distant future and a resume can put back the wait that was left. The real source runs on
-// the Qt event loop; the fake one fires only when a test moves its ManualClock.
+// the Qt event loop; tests use a fake one that fires only when they move their clock.
 
 // One scheduled timer. Destroying it invalidates it.
 class Timer {
@@ -34,6 +33,9 @@ public:
                                                   std::function<void()> action) = 0;
     // A date no timer reaches.
     static QDateTime distantFuture();
+    // A repeating timer's next fire date after firing at fireDate, seen at now: whole intervals
+    // later, so it keeps its rhythm after a late fire and does not make up the fires it missed.
+    static QDateTime nextFireAfter(QDateTime fireDate, std::chrono::milliseconds interval, const QDateTime& now);
 };
 
 // QTimer-based; timers fire on the event loop of the thread that scheduled them.
@@ -46,21 +48,4 @@ public:
 
 private:
     const platform::Clock& clock_;
-};
-
-// Fires its timers, in date order, only inside advance(), moving the clock to each fire date.
-class FakeTimerSource : public TimerSource {
-public:
-    explicit FakeTimerSource(platform::ManualClock& clock);
-    QDateTime now() const override;
-    std::unique_ptr<Timer> scheduledTimer(std::chrono::milliseconds interval, bool repeats,
-                                          std::function<void()> action) override;
-    void advance(std::chrono::milliseconds by);
-    int activeTimerCount() const;
-
-    struct TimerState;
-
-private:
-    platform::ManualClock& clock_;
-    std::vector<std::weak_ptr<TimerState>> timers_;
 };

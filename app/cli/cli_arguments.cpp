@@ -56,6 +56,11 @@ BackendOptionResult takeBackendOption(const QStringList& arguments, qsizetype& i
     const auto value = optionValue(arguments, i, *name, error);
     if (!value)
         return BackendOptionResult::Invalid;
+    // An empty value would silently mean "the default backend", which is not what was asked for.
+    if (value->isEmpty()) {
+        *error = QStringLiteral("%1 needs a value, not an empty text").arg(*name);
+        return BackendOptionResult::Invalid;
+    }
     if (*name == u"--seed") {
         bool ok = false;
         const std::uint64_t seed = value->toULongLong(&ok);

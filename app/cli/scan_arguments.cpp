@@ -68,6 +68,10 @@ std::optional<ScanRequest> parseScanArguments(const QStringList& arguments, QStr
             const auto text = value();
             if (!text)
                 return std::nullopt;
+            if (name == u"--db" && text->isEmpty()) {
+                *error = QStringLiteral("--db needs a file, not an empty text");
+                return std::nullopt;
+            }
             (name == u"--ssid" ? filter.ssidForFilterValue : request.databasePath) = *text;
         } else if (name == u"--interval" || name == u"--count" || name == u"--duration") {
             const auto number = wholeNumber(value(), name, 1, 86400 * 365, error);
@@ -136,6 +140,10 @@ std::optional<ScanRequest> parseScanArguments(const QStringList& arguments, QStr
         return std::nullopt;
     }
     filter.userDidClickedApplyFilterButton();
+    if (!filter.inputError.isEmpty()) {
+        *error = filter.inputError;
+        return std::nullopt;
+    }
     return request;
 }
 

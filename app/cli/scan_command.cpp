@@ -119,7 +119,8 @@ int runScan(const ScanRequest& request, core::UserSettings& userSettings, std::F
     core::SettingsOverlay settings(userSettings, {{QStringLiteral("mergeScanResults"), request.merge ? 1 : 0}});
     ScanDatabase database(request.databasePath);
     if (!database.isOpen()) {
-        writeText(err, QStringLiteral("skyvane-cli: the scan database %1 cannot be opened\n").arg(database.path()));
+        writeText(err, QStringLiteral("skyvane-cli: the scan database %1 cannot be used: %2\n")
+                           .arg(database.path(), database.openError()));
         return 1;
     }
     database.updateDatabase();
@@ -129,13 +130,14 @@ int runScan(const ScanRequest& request, core::UserSettings& userSettings, std::F
     ScanTestDriver driver(backend->interface, database, settings, timers, commands, QCoreApplication::applicationFilePath(),
                           backendArguments(request.backend));
     driver.setRefreshIntervalSeconds(request.intervalSeconds);
-    driver.setFilterCriteria(request.filter.filterCriteria);
+    driver.filter() = request.filter;
     // The results view's model keeps the rows in its order (by name, A to Z, unless told otherwise).
     ResultsTableModel table(settings);
     driver.setResultsListener(&table);
 
     QEventLoop loop;
     bool stopping = false;
+    bool failed = false;
     int scans = 0;
     const auto stop = [&] {
         if (stopping)
@@ -161,6 +163,21 @@ int runScan(const ScanRequest& request, core::UserSettings& userSettings, std::F
     QObject::connect(&driver, &ScanTestDriver::messageLabelChanged, &loop, [err](const QString& text) {
         if (!text.isEmpty())
             writeText(err, text + QLatin1Char('\n'));
+    });
+    // A scan the backend could not run (a capture that cannot be read further) fails the run,
+    // even when the networks heard before stay on show; each reason is said once.
+    QStringList scanErrors;
+    QObject::connect(&driver, &ScanTestDriver::scanErrorReported, &loop, [&](const QString& description) {
+        failed = true;
+        if (scanErrors.contains(description))
+            return;
+        scanErrors.append(description);
+        writeText(err, QStringLiteral("skyvane-cli: scan failed: %1\n").arg(description));
+    });
+    QObject::connect(&driver, &ScanTestDriver::databaseFailed, &loop, [&](const QString& message) {
+        failed = true;
+        writeText(err, QStringLiteral("skyvane-cli: %1\n").arg(message));
+        stop();
     });
     const StopSignals stopSignals(stop);
     QTimer deadline;
@@ -192,7 +209,8 @@ int runScan(const ScanRequest& request, core::UserSettings& userSettings, std::F
     loop.exec();
     driver.waitForBackgroundWork();
 
-    return request.exportKind ? exportTest(request, driver, settings, err) : 0;
+    const int exported = request.exportKind ? exportTest(request, driver, settings, err) : 0;
+    return failed ? 1 : exported;
 }
 
 } // namespace cli

@@ -33,7 +33,8 @@ std::optional<ScanRequest> parseScanArguments(const QStringList& arguments, QStr
 
 QString scanUsage();
 
-// Exit status 0; 1 when the backend or the database could not be set up or the export failed.
+// Exit status 0; 1 when the backend or the database could not be set up or failed during the
+// run, when a scan failed, or when the export failed.
 int runScan(const ScanRequest& request, core::UserSettings& settings, std::FILE* out, std::FILE* err);
 
 } // namespace cli

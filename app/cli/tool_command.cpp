@@ -39,12 +39,15 @@ int runWatch(const ToolRequest& request, const app::Backend& backend, std::FILE*
                                ? QStringLiteral("Wi-Fi interface %1").arg(backend.interface->interfaceName())
                                : backend.statusText;
     writeText(out, status + QLatin1Char('\n'));
+    // A failed scan fails the run, as it fails -s, though the listing goes on with what was heard.
+    bool failed = false;
     for (int round = 1;; ++round) {
         const Heard heard = scanOnce(*backend.interface);
         reportScanError(heard, err);
+        failed = failed || heard.error.has_value();
         writeText(out, QLatin1Char('\n') + scanListing(heard.networks));
         if (request.watchCount && round >= *request.watchCount)
-            return 0;
+            return failed ? 1 : 0;
         std::this_thread::sleep_for(request.watchInterval);
     }
 }

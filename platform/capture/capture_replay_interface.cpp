@@ -2,6 +2,7 @@
 
 #include "scan/scanner_utils.h"
 
+#include <QFileInfo>
 #include <QHash>
 
 #include <algorithm>
@@ -32,6 +33,14 @@ platform::PlatformError readFailure(const QString& path, const QString& reason)
 std::shared_ptr<CaptureReplayInterface> CaptureReplayInterface::open(const QString& path, QString* error,
                                                                      std::chrono::milliseconds sliceLength)
 {
+    // Opening a FIFO or a device blocks until someone writes to it, and no signal handler is in
+    // place yet to end that wait; a capture to replay is a file.
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile()) {
+        *error = info.isDir() ? QStringLiteral("it is a folder, not a capture file")
+                              : QStringLiteral("it is not a regular file (a FIFO, socket or device cannot be replayed)");
+        return nullptr;
+    }
     auto reader = CaptureReader::open(path, error);
     if (!reader)
         return nullptr;

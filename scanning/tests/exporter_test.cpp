@@ -2,6 +2,7 @@
 #include "scanning/exporter.h"
 
 #include "scan/scanner_utils.h"
+#include "testsupport/manual_clock.h"
 
 #include <QDir>
 #include <QFile>

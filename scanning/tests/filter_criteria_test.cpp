@@ -41,6 +41,9 @@ INSTANTIATE_TEST_SUITE_P(
         ConditionCase{"SignalZeroAddsNothing", "", "", 0, 0, 0, 0, "0", 0, ""},
         ConditionCase{"ChannelLeadsWithoutWord", "Any", "11", 1, 0, 0, 0, "", 0, "originalChannel=11  and channelBond=2.4 "},
         ConditionCase{"StrongerAlone", "", "", 0, 0, 0, 1, "-70", 0, "rssi > -70 "},
+        ConditionCase{"WeakerAlone", "Any", "Any", 0, 1, 1, 1, "-80", 1, "rssi < -80 "},
+        ConditionCase{"NameOrChannel", "lab", "6", 0, 1, 0, 0, "", 0, "SSID like '%lab%'  or originalChannel=6 "},
+        ConditionCase{"QuotedNameShownAsTyped", "O'Brien", "", 0, 0, 0, 0, "", 0, "SSID like '%O'Brien%' "},
         ConditionCase{"WeakerChained", "cafe", "", 0, 0, 0, 1, "-70", 1, "SSID like '%cafe%'  or rssi < -70 "},
         ConditionCase{"FullChainUnparenthesised", "x", "36", 2, 1, 0, 1, "-60", 0,
                       "SSID like '%x%'  or originalChannel=36  and channelBond=5  or rssi > -60 "}),
@@ -66,6 +69,31 @@ TEST(FilterCriteria, RescanOnlyWhenTheConditionChanges)
     filter.rssiWeakOrStrongItem = -1;
     EXPECT_FALSE(filter.userDidClickedApplyFilterButton());
     EXPECT_FALSE(filter.rssiStrongOrWeek);
+}
+
+TEST(FilterCriteria, OnlyNumbersPassInTheChannelAndSignalFields)
+{
+    const struct {
+        const char* channel;
+        const char* rssi;
+        const char* error;
+    } cases[] = {
+        {"six", "", "The channel must be a whole number, not \"six\"."},
+        {"6 or 1=1", "", "The channel must be a whole number, not \"6 or 1=1\"."},
+        {"", "-70dB", "The signal must be a whole number of dBm, not \"-70dB\"."},
+        {"Any", "-70) or (1=1", "The signal must be a whole number of dBm, not \"-70) or (1=1\"."},
+    };
+    for (const auto& c : cases) {
+        FilterCriteria filter;
+        filter.ssidForFilterValue = QStringLiteral("lab");
+        ASSERT_TRUE(filter.userDidClickedApplyFilterButton());
+        filter.channelForFilterValue = QString::fromUtf8(c.channel);
+        filter.rssiValueForFilter = QString::fromUtf8(c.rssi);
+        EXPECT_FALSE(filter.userDidClickedApplyFilterButton()) << c.channel << c.rssi;
+        EXPECT_EQ(filter.inputError.toStdString(), c.error);
+        // The refused input leaves the condition that was in force.
+        EXPECT_EQ(filter.filterCriteria, QStringLiteral("SSID like '%lab%' "));
+    }
 }
 
 TEST(FilterCriteria, ClearEmptiesFieldsAndAsksForAScanOnlyAfterACondition)

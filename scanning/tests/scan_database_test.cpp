@@ -1,9 +1,11 @@
 #include "core/memory_settings.h"
+#include "scanning/filter_criteria.h"
 #include "scanning/scan_database.h"
 
-#include "scanning/literal_scan_store.h"
+#include "testsupport/literal_scan_store.h"
 
 #include <QFile>
+#include <QLoggingCategory>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -61,6 +63,7 @@ protected:
     void SetUp() override
     {
         logged.clear();
+        QLoggingCategory::setFilterRules(QStringLiteral("skyvane.*=true"));
         previousHandler = qInstallMessageHandler(captureMessage);
     }
     void TearDown() override { qInstallMessageHandler(previousHandler); }
@@ -146,6 +149,41 @@ TEST_F(ScanDatabaseTest, FilterKeepsTheAssociatedNetworkAndAFailingFilterIsSkipp
     EXPECT_FALSE(database.matchCount(QStringLiteral("SSID like '%Bob's%' "), QString()));
     ASSERT_EQ(logged.size(), 2);
     EXPECT_EQ(logged[0], QStringLiteral("Error while saving scan result info. 'near \"s\": syntax error'"));
+}
+
+// Whatever is typed into the filter is a value: quotes match themselves, LIKE's wildcards are
+// plain characters, and SQL text selects nothing it names.
+TEST_F(ScanDatabaseTest, FilterValuesAreBoundNotSpliced)
+{
+    ScanDatabase database(databasePath());
+    database.updateDatabase();
+    logged.clear();
+    database.storeScan({row("O'Brien", "00:00:00:00:00:01", -50, 1), row("Joe's", "00:00:00:00:00:02", -60, 1),
+                        row("100% fun", "00:00:00:00:00:03", -70, 1), row("a_b", "00:00:00:00:00:04", -70, 1),
+                        row("Home", "00:00:00:00:00:05", -40, 1)},
+                       false);
+    const struct {
+        const char* typed;
+        QStringList shown;
+    } cases[] = {
+        {"O'Brien", {"O'Brien"}}, {"joe's", {"Joe's"}},  {"%", {"100% fun"}},
+        {"_", {"a_b"}},           {"' or 1=1 --", {}},   {"\\", {}},
+    };
+    for (const auto& c : cases) {
+        FilterCriteria filter;
+        filter.ssidForFilterValue = QString::fromUtf8(c.typed);
+        filter.userDidClickedApplyFilterButton();
+        for (bool merge : {false, true}) {
+            const auto shown = database.readForDisplay(filter.condition, QString(), merge);
+            ASSERT_TRUE(shown) << c.typed;
+            QStringList names;
+            for (const StoredObservation& observation : *shown)
+                names.append(observation.ssid);
+            EXPECT_EQ(names, c.shown) << c.typed << merge;
+            EXPECT_EQ(database.matchCount(filter.condition, QString()), c.shown.size()) << c.typed;
+        }
+    }
+    EXPECT_TRUE(logged.isEmpty()) << logged.join('|').toStdString();
 }
 
 // Names that a literal delete statement reads in surprising ways must delete, keep and log

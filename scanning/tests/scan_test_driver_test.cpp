@@ -2,15 +2,19 @@
 #include "scanning/scan_test_driver.h"
 
 #include "scan/scanner_utils.h"
+#include "testsupport/fake_timer_source.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <stdexcept>
 #include <tuple>
 
 using namespace std::chrono_literals;
@@ -139,8 +143,7 @@ protected:
         static char* argv[] = {name, nullptr};
         if (!QCoreApplication::instance())
             new QCoreApplication(argc, argv);
-        ScanTestDriver::scanInProgress = false;
-        ScanTestDriver::consecutiveScanFailures = 0;
+        QLoggingCategory::setFilterRules(QStringLiteral("skyvane.*=true"));
         interface->outcomes = {{{network("00:0b:86:ab:34:80", "Lab", 44, -60), network("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}}};
         logged.clear();
         qInstallMessageHandler(captureLog);
@@ -242,7 +245,7 @@ TEST_F(ScanTestDriverTest, EmptyOrFailedScanFallsBackToCachedResults)
         tick();
     EXPECT_TRUE(logged.contains("localizedDescription --- radio busy"));
     EXPECT_EQ(driver.messageLabel(), "");
-    EXPECT_EQ(ScanTestDriver::consecutiveScanFailures, 0);
+    EXPECT_EQ(driver.scanLoop().consecutiveScanFailures(), 0);
 }
 
 TEST_F(ScanTestDriverTest, PauseKeepsTheWaitThatWasLeft)
@@ -405,6 +408,122 @@ TEST_F(ScanTestDriverTest, RemovalRefusesTheRunningTestAndAsksBeforeDeleting)
     driver.removeTest(1);
     EXPECT_EQ(driver.wifiScanTestArray().size(), 1);
     EXPECT_EQ(listener.current, nullptr);
+}
+
+TEST_F(ScanTestDriverTest, CompletionOffersTheNamesAndChannelsTheScansShowed)
+{
+    EXPECT_TRUE(driver.filter().completions(QStringLiteral("ssidFilterField"), QString()).isEmpty());
+    start();
+    EXPECT_EQ(driver.filter().completions(QStringLiteral("ssidFilterField"), QStringLiteral("h")), QStringList{"Home"});
+    EXPECT_EQ(driver.filter().completions(QStringLiteral("channelFilterField"), QStringLiteral("4")), QStringList{"44"});
+    EXPECT_EQ(driver.allSSIDs(), driver.filter().allSSIDs);
+}
+
+TEST_F(ScanTestDriverTest, AQuotedNameFiltersTheShownRows)
+{
+    interface->outcomes = {{{network("00:0b:86:ab:34:80", "Joe's", 44, -60), network("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}}};
+    driver.filter().ssidForFilterValue = QStringLiteral("joe's");
+    ASSERT_TRUE(driver.filter().userDidClickedApplyFilterButton());
+    start();
+    ASSERT_EQ(newest()->scanedData1.size(), 1);
+    EXPECT_EQ(newest()->scanedData1.first().ssid, "Joe's");
+    EXPECT_EQ(driver.countLabel(), "1 of 2 shown");
+}
+
+// Each driver has its own gate: a scan held in one does not drop the ticks of another.
+TEST_F(ScanTestDriverTest, TheInFlightGateBelongsToOneLoop)
+{
+    auto other = std::make_shared<FakeInterface>();
+    other->outcomes = interface->outcomes;
+    QTemporaryDir otherFolder;
+    ScanDatabase otherDatabase(otherFolder.filePath(QStringLiteral("Database.sqlite")));
+    otherDatabase.updateDatabase();
+    ScanTestDriver second{other, otherDatabase, settings, timers, runner, QStringLiteral("skyvane-cli"), {}};
+    interface->setGateOpen(false);
+    driver.scanButtonPressed();
+    second.scanButtonPressed();
+    second.waitForBackgroundWork();
+    timers.advance(5s);
+    second.waitForBackgroundWork();
+    EXPECT_EQ(other->scans, 2);
+    EXPECT_TRUE(driver.scanLoop().scanInProgress());
+    EXPECT_FALSE(second.scanLoop().scanInProgress());
+    interface->setGateOpen(true);
+    settle();
+}
+
+TEST_F(ScanTestDriverTest, PropertyListOfTheToolIsReadAndCounted)
+{
+    runner.output.standardOutput =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n<array>\n"
+        "<dict><key>BSSID</key><string>3c:a6:2f:38:f3:e0</string><key>CHANNEL</key><integer>6</integer>"
+        "<key>SSID_STR</key><string>Home</string><key>RSN_IE</key><dict><key>IE_KEY_RSN_VERSION</key><integer>1</integer></dict></dict>\n"
+        "<dict><key>BSSID</key><string>00:0b:86:ab:34:80</string><key>CHANNEL</key><integer>44</integer></dict>\n"
+        "</array>\n</plist>\n";
+    const auto networks = driver.executeAirportCommandForXML();
+    EXPECT_EQ(runner.commands.last(), "/opt/skyvane/skyvane-cli --simulate -s -x");
+    ASSERT_TRUE(networks);
+    ASSERT_EQ(networks->size(), 2);
+    EXPECT_EQ(networks->first().value("CHANNEL"), QVariant(6LL));
+    EXPECT_EQ(networks->first().value("RSN_IE").toMap().value("IE_KEY_RSN_VERSION"), QVariant(1LL));
+    EXPECT_TRUE(logged.contains(QStringLiteral("xml is=\n %1 ").arg(QString::fromUtf8(runner.output.standardOutput))));
+    EXPECT_TRUE(logged.contains("number of network found are= 2 "));
+
+    const std::vector<std::pair<platform::CommandOutput, QString>> failures{
+        {{"<plist><array><string>x</string></array></plist>", {}, 0, true},
+         "Got error while determining channel info: a network entry is not a dictionary"},
+        {{"<plist><array><dict>", {}, 0, true}, "Got error while determining channel info: Premature end of document."},
+        {{{}, "airport: no such interface", 1, true}, "Got error while determining channel info: airport: no such interface"},
+    };
+    for (const auto& [output, text] : failures) {
+        runner.output = output;
+        logged.clear();
+        EXPECT_FALSE(driver.executeAirportCommandForXML());
+        EXPECT_TRUE(logged.contains(text)) << logged.join('|').toStdString();
+    }
+}
+
+// Settings that fail while a scan is processed, as a broken store would.
+class FailingSettings : public core::MemorySettings {
+public:
+    QVariant value(const QString& key) const override
+    {
+        if (failing && key == QLatin1String("mergeScanResults"))
+            throw std::runtime_error("settings store gone");
+        return MemorySettings::value(key);
+    }
+    bool failing = false;
+};
+
+TEST_F(ScanTestDriverTest, AFailedScanUpdateLogsTheReasonAndTheCallStackAndTheLoopGoesOn)
+{
+    FailingSettings failing;
+    ScanTestDriver failingDriver{interface, database, failing, timers, runner, QStringLiteral("skyvane-cli"), {}};
+    failing.failing = true;
+    failingDriver.scanButtonPressed();
+    failingDriver.waitForBackgroundWork();
+    EXPECT_TRUE(logged.contains("Unable perform scan. settings store gone"));
+    const auto trace = std::find_if(logged.begin(), logged.end(),
+                                    [](const QString& line) { return line.startsWith("Uncaught exception OS: Backtrace:\n"); });
+    EXPECT_NE(trace, logged.end());
+    EXPECT_FALSE(failingDriver.scanLoop().scanInProgress());
+    failing.failing = false;
+    timers.advance(5s);
+    failingDriver.waitForBackgroundWork();
+    EXPECT_EQ(failingDriver.wifiScanTestArray().first()->scanedData1.size(), 2);
+}
+
+TEST_F(ScanTestDriverTest, ADatabaseThatCannotBeEmptiedStartsNoTest)
+{
+    QStringList failures;
+    QObject::connect(&driver, &ScanTestDriver::databaseFailed, [&](const QString& text) { failures.append(text); });
+    sqlite3_exec(database.handle(), "DROP TABLE wifi_scan_data", nullptr, nullptr, nullptr);
+    start();
+    EXPECT_TRUE(driver.wifiScanTestArray().isEmpty());
+    EXPECT_EQ(driver.runButtonTag(), 0);
+    ASSERT_EQ(failures.size(), 1);
+    EXPECT_TRUE(failures.first().endsWith("cannot be used: no such table: wifi_scan_data")) << failures.first().toStdString();
+    EXPECT_EQ(interface->scans, 0);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "scanning/timer_source.h"
+#include "testsupport/fake_timer_source.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>

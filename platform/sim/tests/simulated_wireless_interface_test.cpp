@@ -1,5 +1,6 @@
 #include "platform/sim/simulated_wireless_client.h"
 #include "platform/sim/simulated_wireless_interface.h"
+#include "testsupport/manual_clock.h"
 
 #include <QSet>
 

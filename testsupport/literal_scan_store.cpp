@@ -1,9 +1,9 @@
-#include "scanning/literal_scan_store.h"
+#include "testsupport/literal_scan_store.h"
 
+#include "scanning/log_category.h"
 #include "scanning/scan_database_impl.h"
 #include "scanning/sqlite_statement.h"
 
-#include <QDebug>
 #include <QSet>
 #include <QStringList>
 
@@ -14,7 +14,7 @@ void deletePredecessor(sqlite3* db, const QString& text)
 {
     scandb::Statement statement(db, text);
     if (!statement.isPrepared()) {
-        qWarning().noquote() << QStringLiteral("Error while deleting old scanned data '%1'").arg(statement.prepareError());
+        qCInfo(lcScanning).noquote() << QStringLiteral("Error while deleting old scanned data '%1'").arg(statement.prepareError());
         return;
     }
     statement.step();
@@ -31,7 +31,7 @@ void storeScan(ScanDatabase& database, const QList<ObservationRow>& rows, bool m
             "INSERT INTO wifi_scan_data (originalChannel,channel,phyMode,rssi,noise,ssid,bssid,singnalToNoise,securityMode,ibss,lastSeen,channelBond,normalized_ssid) "
             "VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?)"));
         if (!insert.isPrepared())
-            qWarning().noquote() << QStringLiteral("Error while saving scan result info. '%1'").arg(insert.prepareError());
+            qCInfo(lcScanning).noquote() << QStringLiteral("Error while saving scan result info. '%1'").arg(insert.prepareError());
         if (!merge) {
             deletePredecessor(db, QStringLiteral("delete from wifi_scan_data where bssid='%1'").arg(row.bssid));
         } else if (!deletedNames.contains(row.normalizedSsid)) {
@@ -39,12 +39,12 @@ void storeScan(ScanDatabase& database, const QList<ObservationRow>& rows, bool m
             deletedNames.insert(row.normalizedSsid);
         }
         if (row.hidden)
-            qInfo().noquote() << QStringLiteral("Here i got a hidden ssid with bssid as %1").arg(row.bssid);
+            qCInfo(lcScanning).noquote() << QStringLiteral("Here i got a hidden ssid with bssid as %1").arg(row.bssid);
         if (!insert.isPrepared())
             continue;
         scandb::bindObservation(insert, row);
         if (insert.step() != SQLITE_DONE)
-            qWarning().noquote() << QStringLiteral("Error while saving scan result info. '%1'").arg(scandb::errorMessage(db));
+            qCInfo(lcScanning).noquote() << QStringLiteral("Error while saving scan result info. '%1'").arg(scandb::errorMessage(db));
     }
 }
 

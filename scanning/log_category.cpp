@@ -1,0 +1,3 @@
+#include "scanning/log_category.h"
+
+Q_LOGGING_CATEGORY(lcScanning, "skyvane.scanning", QtWarningMsg)
