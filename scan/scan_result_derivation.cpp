@@ -292,13 +292,6 @@ QString ssidText(const QByteArray& ssidBytes)
     return QString::fromLatin1(ssidBytes);
 }
 
-ChannelBand bandForChannel(int channel)
-{
-    if (channel <= 0)
-        return ChannelBand::Unknown;
-    return channel <= 14 ? ChannelBand::Band2GHz : ChannelBand::Band5GHz;
-}
-
 std::optional<int> channelForFrequency(int frequencyMhz)
 {
     if (frequencyMhz == 2484)
@@ -332,7 +325,7 @@ platform::ScanResult deriveScanResult(const RawBssFacts& facts)
     if (channel == 0 && facts.frequencyMhz)
         channel = derivation::channelForFrequency(*facts.frequencyMhz).value_or(0);
     result.channelNumber = channel;
-    result.channelBand = derivation::bandForChannel(channel);
+    result.channelBand = core::bandForChannel(channel);
     if (result.channelBand == ChannelBand::Unknown && facts.frequencyMhz)
         result.channelBand = bandForFrequency(*facts.frequencyMhz);
 

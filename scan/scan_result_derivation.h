@@ -27,7 +27,5 @@ platform::ScanResult deriveScanResult(const RawBssFacts& facts);
 namespace derivation {
 // SSID text: UTF-8 when valid, else one Latin-1 character per byte; "" when empty or all zero.
 QString ssidText(const QByteArray& ssidBytes);
-// 2.4 GHz for channels up to 14, 5 GHz above.
-platform::ChannelBand bandForChannel(int channel);
 std::optional<int> channelForFrequency(int frequencyMhz);
 } // namespace derivation
