@@ -29,7 +29,7 @@ void parseAndCompleteRates(benchmark::State& state)
 {
     const QByteArray elements = typicalBeacon();
     for (auto _ : state) {
-        ScanedResultInfo record;
+        scan::ScanedResultInfo record;
         record.channelWidth = 40;
         record.parseInformationElement(elements);
         record.populateMaxDataRate();

@@ -23,22 +23,22 @@ enum class Store { Batched, Literal };
 
 // One refresh of a running test after the radio has answered: store the scan, read the merged
 // view back, turn every row into a record and add it to its network's history.
-void processScan(ScanDatabase& database, Store store, WiFiScanTest& test, const platform::ScanOutcome& outcome,
+void processScan(scanning::ScanDatabase& database, Store store, scanning::WiFiScanTest& test, const platform::ScanOutcome& outcome,
                  const QString& activeBssid, const QDateTime& now)
 {
     const double seconds = static_cast<double>(now.toMSecsSinceEpoch()) / 1000.0;
     QHash<QString, std::shared_ptr<const platform::ScanResult>> networks;
-    QList<ObservationRow> rows;
+    QList<scanning::ObservationRow> rows;
     rows.reserve(outcome.networks.size());
     for (const platform::ScanResult& network : outcome.networks) {
-        networks.insert(ScannerUtils::normalizeMAC(network.bssid), std::make_shared<const platform::ScanResult>(network));
-        rows.append(ObservationRow::fromScanResult(network, QString::number(network.channelNumber), seconds,
+        networks.insert(scan::ScannerUtils::normalizeMAC(network.bssid), std::make_shared<const platform::ScanResult>(network));
+        rows.append(scanning::ObservationRow::fromScanResult(network, QString::number(network.channelNumber), seconds,
                                                    core::InterfaceGeneration::Later));
     }
     if (store == Store::Batched)
         database.storeScan(rows, true);
     else
-        literal_scan_store::storeScan(database, rows, true);
+        testsupport::literal_scan_store::storeScan(database, rows, true);
 
     const auto shown = database.readForDisplay(QString(), activeBssid, true);
     benchmark::DoNotOptimize(database.matchCount(QString(), activeBssid));
@@ -46,10 +46,10 @@ void processScan(ScanDatabase& database, Store store, WiFiScanTest& test, const 
         return;
     const QHash<QString, QString> securityTexts;
     test.scanedData1.clear();
-    for (const StoredObservation& row : *shown) {
+    for (const scan::StoredObservation& row : *shown) {
         static const core::MemorySettings settings;
-        ScanedResultInfo record =
-            buildRecord(row, networks.value(row.bssid), core::InterfaceGeneration::Later, settings, &securityTexts);
+        scan::ScanedResultInfo record =
+            scan::buildRecord(row, networks.value(row.bssid), core::InterfaceGeneration::Later, settings, &securityTexts);
         test.addSample(record, intervalSeconds, now);
         test.scanedData1.append(record);
     }
@@ -62,19 +62,19 @@ void scanCycle(benchmark::State& state, Store store)
     // The hidden-network lines are part of a cycle, but their cost is the terminal's, not ours.
     const QtMessageHandler previousHandler = qInstallMessageHandler(discardMessage);
     const int accessPoints = static_cast<int>(state.range(0));
-    auto clock = std::make_shared<platform::ManualClock>(QDateTime::fromSecsSinceEpoch(1'750'000'000));
+    auto clock = std::make_shared<testsupport::ManualClock>(QDateTime::fromSecsSinceEpoch(1'750'000'000));
     platform::sim::SimulatedWirelessClient client(platform::sim::SimulationReason::ChosenOnCommandLine,
                                                   {accessPoints, platform::sim::defaultSimulationSeed}, clock);
     const auto wifi = client.interfaceWithName(QStringLiteral("sim0"));
-    const QString activeBssid = ScannerUtils::normalizeMAC(wifi->snapshot().bssid);
+    const QString activeBssid = scan::ScannerUtils::normalizeMAC(wifi->snapshot().bssid);
 
     QTemporaryDir dir;
-    ScanDatabase database(dir.filePath(QStringLiteral("Skyvane/Database.sqlite")));
+    scanning::ScanDatabase database(dir.filePath(QStringLiteral("Skyvane/Database.sqlite")));
     database.updateDatabase();
     if (store == Store::Literal)
-        literal_scan_store::dropIndexes(database);
+        testsupport::literal_scan_store::dropIndexes(database);
     database.deleteAll();
-    WiFiScanTest test;
+    scanning::WiFiScanTest test;
     test.refreshInterval = intervalSeconds;
 
     for (auto _ : state) {

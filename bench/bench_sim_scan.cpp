@@ -12,7 +12,7 @@ namespace {
 // every beacon is rebuilt and signals are recomputed, as in a running scan test.
 void simulatedScan(benchmark::State& state)
 {
-    auto clock = std::make_shared<platform::ManualClock>(QDateTime::fromSecsSinceEpoch(1'750'000'000));
+    auto clock = std::make_shared<testsupport::ManualClock>(QDateTime::fromSecsSinceEpoch(1'750'000'000));
     platform::sim::SimulatedWirelessClient client(platform::sim::SimulationReason::ChosenOnCommandLine,
                                                   {static_cast<int>(state.range(0)), platform::sim::defaultSimulationSeed}, clock);
     const auto wifi = client.interfaceWithName(QStringLiteral("sim0"));

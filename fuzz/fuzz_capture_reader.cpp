@@ -11,14 +11,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     if (size == 0)
         return 0;
-    constexpr std::array<int, 4> kLinkTypes{capture::LinkTypeIeee80211, capture::LinkTypePrism,
-                                            capture::LinkTypeRadiotap, 1};
+    constexpr std::array<int, 4> kLinkTypes{platform::capture::LinkTypeIeee80211, platform::capture::LinkTypePrism,
+                                            platform::capture::LinkTypeRadiotap, 1};
     const int linkType = kLinkTypes[data[0] & 0x03u];
     const std::size_t cutOff = (data[0] >> 2) & 0x07u;
     const std::uint8_t* packet = data + 1;
     const std::size_t length = size - 1;
 
-    const auto facts = capture::decodePacket(linkType, packet, length, length + cutOff);
+    const auto facts = platform::capture::decodePacket(linkType, packet, length, length + cutOff);
     if (facts && (linkType == 1 || static_cast<std::size_t>(facts->informationElements.size()) > length))
         std::abort();
     return 0;

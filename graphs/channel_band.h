@@ -19,7 +19,7 @@ struct ChannelBand {
     QList<AxisLabel> channelLabels;
     double bottomPadding = 0.0;
     QString imageFileName;
-    ChannelShapeX (*shape)(const ScanedResultInfo&) = nullptr;
+    ChannelShapeX (*shape)(const scan::ScanedResultInfo&) = nullptr;
 
     static const ChannelBand& band24GHz();
     static const ChannelBand& band5GHz();

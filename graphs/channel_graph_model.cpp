@@ -12,14 +12,14 @@ ChannelGraphModel::ChannelGraphModel(const ChannelBand& band, ColorCodesManager&
     gridLines_ = core::settingIsOn(settings_.value(QLatin1String(gridLinesSettingKey)));
 }
 
-void ChannelGraphModel::addPlotToGraph(const QString& bssid, const ScanedResultInfo& record)
+void ChannelGraphModel::addPlotToGraph(const QString& bssid, const scan::ScanedResultInfo& record)
 {
     plots_.add(bssid, newLineWidth, PlotStack::restingAlpha, colours_.getColorCode(&record));
     records_.insert(bssid, record);
     emit changed();
 }
 
-void ChannelGraphModel::updateGraphDataPoints(const ScanedResultInfo& record, const QString& bssid)
+void ChannelGraphModel::updateGraphDataPoints(const scan::ScanedResultInfo& record, const QString& bssid)
 {
     if (!plots_.contains(bssid)) {
         addPlotToGraph(bssid, record);

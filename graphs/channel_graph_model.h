@@ -11,7 +11,9 @@
 
 #include <optional>
 
+namespace graphs {
 class ColorCodesManager;
+}
 namespace core {
 class UserSettings;
 }
@@ -52,9 +54,9 @@ public:
     ChannelGraphModel(const ChannelBand& band, ColorCodesManager& colours, const core::UserSettings& settings,
                       GraphTheme theme = {}, QObject* parent = nullptr);
 
-    void addPlotToGraph(const QString& bssid, const ScanedResultInfo& record);
+    void addPlotToGraph(const QString& bssid, const scan::ScanedResultInfo& record);
     // Replaces the record without redrawing; the caller reloads once per scan.
-    void updateGraphDataPoints(const ScanedResultInfo& record, const QString& bssid);
+    void updateGraphDataPoints(const scan::ScanedResultInfo& record, const QString& bssid);
     void removePlotFromGraph(const QString& bssid);
     // Forgets every record; the curves stay on the graph but have nothing to draw.
     void clearGraph();
@@ -85,7 +87,7 @@ private:
     const core::UserSettings& settings_;
     GraphTheme theme_;
     bool gridLines_ = true;
-    QHash<QString, ScanedResultInfo> records_;
+    QHash<QString, scan::ScanedResultInfo> records_;
     PlotStack plots_;
 };
 

@@ -4,7 +4,7 @@
 
 namespace graphs {
 
-ChannelShapeX channelShape24GHz(const ScanedResultInfo& record)
+ChannelShapeX channelShape24GHz(const scan::ScanedResultInfo& record)
 {
     const int k = record.channel.toInt() == 14 ? record.originalChannel + 13 : record.originalChannel - 1;
     const double b = 5.0 * k;
@@ -21,7 +21,7 @@ ChannelShapeX channelShape24GHz(const ScanedResultInfo& record)
     return {b + 2401, b + 2403, b + top, b + foot};
 }
 
-ChannelShapeX channelShape5GHz(const ScanedResultInfo& record)
+ChannelShapeX channelShape5GHz(const scan::ScanedResultInfo& record)
 {
     const double f = 5.0 * record.originalChannel;
     const int width = record.channelWidth;

@@ -2,7 +2,9 @@
 
 #include <array>
 
+namespace scan {
 class ScanedResultInfo;
+}
 
 // Where an access point's flat-topped curve stands on a channel graph: the frequencies (MHz)
 // of its four points, floor-top-top-floor. The curves follow the channel width and the side
@@ -15,7 +17,7 @@ using ChannelShapeX = std::array<double, 4>;
 // The secondary channel lies below the primary one only for this offset.
 inline constexpr long long secondaryBelow = -1;
 
-ChannelShapeX channelShape24GHz(const ScanedResultInfo& record);
-ChannelShapeX channelShape5GHz(const ScanedResultInfo& record);
+ChannelShapeX channelShape24GHz(const scan::ScanedResultInfo& record);
+ChannelShapeX channelShape5GHz(const scan::ScanedResultInfo& record);
 
 } // namespace graphs

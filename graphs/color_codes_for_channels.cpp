@@ -5,6 +5,8 @@
 
 #include <utility>
 
+namespace graphs {
+
 ColorCodesForChannels::ColorCodesForChannels(std::vector<ColourCodePtr> colours) : colorCodes_(std::move(colours)) {}
 
 void ColorCodesForChannels::addColorCode(ColourCodePtr colour)
@@ -13,14 +15,14 @@ void ColorCodesForChannels::addColorCode(ColourCodePtr colour)
     colorCodes_.push_back(std::move(colour));
 }
 
-ColourCodePtr ColorCodesForChannels::getColorCode(const ScanedResultInfo* record)
+ColourCodePtr ColorCodesForChannels::getColorCode(const scan::ScanedResultInfo* record)
 {
     if (!record)
         return nullptr;
     const std::lock_guard<std::mutex> lock(mutex_);
     if (const auto found = assignedCodes_.constFind(record->bssid); found != assignedCodes_.cend())
         return found.value();
-    if (!ScannerUtils::hasValue(record->bssid) || colorCodes_.empty())
+    if (!scan::ScannerUtils::hasValue(record->bssid) || colorCodes_.empty())
         return nullptr;
     ColourCodePtr colour = colorCodes_[static_cast<std::size_t>(currentIndex_)];
     assignedCodes_.insert(record->bssid, colour);
@@ -52,3 +54,5 @@ QString ColorCodesForChannels::description() const
     list += QLatin1String("\n)");
     return QString::asprintf("currentIndex=%d and codes are=", currentIndex_) + list;
 }
+
+} // namespace graphs

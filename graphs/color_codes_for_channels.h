@@ -8,7 +8,11 @@
 #include <mutex>
 #include <vector>
 
+namespace scan {
 class ScanedResultInfo;
+}
+
+namespace graphs {
 
 // The colours of one channel group, dealt round-robin to the group's access points by BSSID.
 // An access point keeps its colour for the life of the group. Thread-safe.
@@ -21,7 +25,7 @@ public:
 
     void addColorCode(ColourCodePtr colour);
     // Null for a null record, a record without a BSSID or a group without colours.
-    ColourCodePtr getColorCode(const ScanedResultInfo* record);
+    ColourCodePtr getColorCode(const scan::ScanedResultInfo* record);
 
     std::vector<ColourCodePtr> colorCodes() const;
     int currentIndex() const;
@@ -34,3 +38,5 @@ private:
     QHash<QString, ColourCodePtr> assignedCodes_;
     int currentIndex_ = 0;
 };
+
+} // namespace graphs

@@ -13,6 +13,8 @@
 #include <limits>
 #include <utility>
 
+namespace graphs {
+
 namespace {
 
 // Releases a parsed property-list tree however the load ends.
@@ -147,7 +149,7 @@ QString ColorCodesManager::getKeyForColorCodeChannels(int channel)
     return QStringLiteral("112-116-120");
 }
 
-ColourCodePtr ColorCodesManager::getColorCode(const ScanedResultInfo* record)
+ColourCodePtr ColorCodesManager::getColorCode(const scan::ScanedResultInfo* record)
 {
     if (!record)
         return nullptr;
@@ -167,3 +169,5 @@ int ColorCodesManager::groupCount() const
     const std::lock_guard<std::mutex> lock(mutex_);
     return static_cast<int>(channelsToCodesDictionary_.size());
 }
+
+} // namespace graphs

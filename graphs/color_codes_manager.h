@@ -8,7 +8,11 @@
 #include <memory>
 #include <mutex>
 
+namespace scan {
 class ScanedResultInfo;
+}
+
+namespace graphs {
 
 // Gives every access point one colour for the life of the process, drawn from the colours of
 // its primary channel's group so that neighbours on the air are told apart. Thread-safe.
@@ -30,7 +34,7 @@ public:
 
     // The record's colour in the group of its originalChannel; null when that group is not
     // loaded, the group has no colours or the record has no BSSID.
-    ColourCodePtr getColorCode(const ScanedResultInfo* record);
+    ColourCodePtr getColorCode(const scan::ScanedResultInfo* record);
 
     // The group stored under a group key (name + "-"), or null.
     std::shared_ptr<ColorCodesForChannels> groupForKey(const QString& groupKey) const;
@@ -42,3 +46,5 @@ private:
     mutable std::mutex mutex_;
     QHash<QString, std::shared_ptr<ColorCodesForChannels>> channelsToCodesDictionary_;
 };
+
+} // namespace graphs

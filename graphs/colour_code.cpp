@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+namespace graphs {
+
 namespace {
 
 struct Rgb {
@@ -86,3 +88,5 @@ ColourCodePtr ColourCode::getColourCodeForKey(const QString& key)
     state.byKey.insert(key, colour);
     return colour;
 }
+
+} // namespace graphs

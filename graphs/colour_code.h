@@ -4,6 +4,8 @@
 
 #include <memory>
 
+namespace graphs {
+
 // A drawing colour as red, green, blue and alpha from 0.0 to 1.0, and the allocator that deals
 // colours from a fixed palette by an arbitrary string key.
 //
@@ -30,3 +32,5 @@ public:
 };
 
 using ColourCodePtr = std::shared_ptr<const ColourCode>;
+
+} // namespace graphs

@@ -15,9 +15,9 @@ GraphViewTabSet::GraphViewTabSet(ColorCodesManager& colours, const core::UserSet
 {
 }
 
-bool GraphViewTabSet::isBand24GHz(const ScanedResultInfo& record) { return record.channelBond == 2.4; }
+bool GraphViewTabSet::isBand24GHz(const scan::ScanedResultInfo& record) { return record.channelBond == 2.4; }
 
-ChannelGraphModel& GraphViewTabSet::channelGraphFor(const ScanedResultInfo& record)
+ChannelGraphModel& GraphViewTabSet::channelGraphFor(const scan::ScanedResultInfo& record)
 {
     return isBand24GHz(record) ? channels24GHz_ : channels5GHz_;
 }
@@ -30,11 +30,11 @@ void GraphViewTabSet::selectTab(GraphTab tab)
     emit tabSelected(tab);
 }
 
-void GraphViewTabSet::addPlotToGraph(const QString& bssid, const QList<ScanedResultInfo>& history)
+void GraphViewTabSet::addPlotToGraph(const QString& bssid, const QList<scan::ScanedResultInfo>& history)
 {
     if (history.isEmpty())
         return;
-    const ScanedResultInfo& newest = history.first();
+    const scan::ScanedResultInfo& newest = history.first();
     signalHistory_.addPlotToGraph(bssid, history);
     channelGraphFor(newest).addPlotToGraph(bssid, newest);
     // A newly plotted network should be seen: the band tab showing flips to the network's band.
@@ -45,11 +45,11 @@ void GraphViewTabSet::addPlotToGraph(const QString& bssid, const QList<ScanedRes
     signalRank_.addPlotToGraph(bssid, newest);
 }
 
-void GraphViewTabSet::updateGraphDataPoints(const QList<ScanedResultInfo>& history, const QString& bssid)
+void GraphViewTabSet::updateGraphDataPoints(const QList<scan::ScanedResultInfo>& history, const QString& bssid)
 {
     if (history.isEmpty())
         return;
-    const ScanedResultInfo& newest = history.first();
+    const scan::ScanedResultInfo& newest = history.first();
     signalHistory_.updateGraphDataPoints(history, bssid);
     channelGraphFor(newest).updateGraphDataPoints(newest, bssid);
     signalRank_.updateGraphDataPoints(newest, bssid);
@@ -64,7 +64,7 @@ void GraphViewTabSet::removePlotFromGraph(const QString& bssid)
     signalRank_.removePlotFromGraph(bssid);
 }
 
-void GraphViewTabSet::highlightGraph(const QString& bssid, const WiFiScanTest& test)
+void GraphViewTabSet::highlightGraph(const QString& bssid, const scanning::WiFiScanTest& test)
 {
     networkDetails_.highlightGraph(bssid, test);
     signalHistory_.highlightGraph(bssid);
@@ -82,12 +82,12 @@ void GraphViewTabSet::highlightGraph(const QString& bssid, const WiFiScanTest& t
         selectTab(GraphTab::Channels5GHz);
 }
 
-void GraphViewTabSet::updateSSIDDetailsTab(const QString& bssid, const WiFiScanTest& test)
+void GraphViewTabSet::updateSSIDDetailsTab(const QString& bssid, const scanning::WiFiScanTest& test)
 {
     networkDetails_.highlightGraph(bssid, test);
 }
 
-void GraphViewTabSet::reloadGraph(const WiFiScanTest& test)
+void GraphViewTabSet::reloadGraph(const scanning::WiFiScanTest& test)
 {
     signalHistory_.reloadGraph(test);
     channels24GHz_.reloadGraph();
@@ -116,7 +116,7 @@ void GraphViewTabSet::resetGraph()
     networkDetails_.resetGraph();
 }
 
-void GraphViewTabSet::scanDidStartedByUser(const WiFiScanTest& test)
+void GraphViewTabSet::scanDidStartedByUser(const scanning::WiFiScanTest& test)
 {
     networkDetails_.scanDidStartedByUser();
     signalRank_.scanDidStartedByUser(test);

@@ -8,7 +8,9 @@
 
 #include <QObject>
 
+namespace graphs {
 class ColorCodesManager;
+}
 namespace core {
 class UserSettings;
 }
@@ -19,20 +21,20 @@ namespace graphs {
 
 enum class GraphTab { NetworkDetails = 0, SignalHistory = 1, Channels24GHz = 2, Channels5GHz = 3, SignalRank = 4 };
 
-class GraphViewTabSet : public QObject, public GraphSink {
+class GraphViewTabSet : public QObject, public scanning::GraphSink {
     Q_OBJECT
 public:
     GraphViewTabSet(ColorCodesManager& colours, const core::UserSettings& settings, GraphTheme theme = {},
                     QObject* parent = nullptr);
 
-    void addPlotToGraph(const QString& bssid, const QList<ScanedResultInfo>& history) override;
-    void updateGraphDataPoints(const QList<ScanedResultInfo>& history, const QString& bssid) override;
+    void addPlotToGraph(const QString& bssid, const QList<scan::ScanedResultInfo>& history) override;
+    void updateGraphDataPoints(const QList<scan::ScanedResultInfo>& history, const QString& bssid) override;
     void removePlotFromGraph(const QString& bssid) override;
-    void highlightGraph(const QString& bssid, const WiFiScanTest& test) override;
-    void updateSSIDDetailsTab(const QString& bssid, const WiFiScanTest& test) override;
-    void reloadGraph(const WiFiScanTest& test) override;
+    void highlightGraph(const QString& bssid, const scanning::WiFiScanTest& test) override;
+    void updateSSIDDetailsTab(const QString& bssid, const scanning::WiFiScanTest& test) override;
+    void reloadGraph(const scanning::WiFiScanTest& test) override;
     void didRemoveAllPlots() override;
-    void scanDidStartedByUser(const WiFiScanTest& test) override;
+    void scanDidStartedByUser(const scanning::WiFiScanTest& test) override;
     void scanDidStoppedByUser() override;
     void clearGraph();
     void resetGraph();
@@ -50,13 +52,13 @@ public:
 
     // The band test of the tabs: exactly 2.4 is the 2.4 GHz band, anything else (an unknown
     // band too) is drawn with 5 GHz.
-    static bool isBand24GHz(const ScanedResultInfo& record);
+    static bool isBand24GHz(const scan::ScanedResultInfo& record);
 
 signals:
     void tabSelected(graphs::GraphTab tab);
 
 private:
-    ChannelGraphModel& channelGraphFor(const ScanedResultInfo& record);
+    ChannelGraphModel& channelGraphFor(const scan::ScanedResultInfo& record);
 
     NetworkDetailsModel networkDetails_;
     SignalHistoryModel signalHistory_;

@@ -18,7 +18,7 @@ Gradient fadeOut(const ColourCode& colour)
     return Gradient{ColourCode(colour.red, colour.green, colour.blue, 0.8), ColourCode(0.0, 0.0, 0.0, 0.0), -90.0};
 }
 
-const ScanedResultInfo* newestOf(const WiFiScanTest& test, const QString& bssid)
+const scan::ScanedResultInfo* newestOf(const scanning::WiFiScanTest& test, const QString& bssid)
 {
     const auto it = test.scanedResults.constFind(bssid);
     return it == test.scanedResults.cend() || it->isEmpty() ? nullptr : &it->first();
@@ -32,36 +32,36 @@ NetworkDetailsModel::NetworkDetailsModel(const core::UserSettings& settings, Gra
     gridLines_ = core::settingIsOn(settings_.value(QLatin1String(gridLinesSettingKey)));
 }
 
-void NetworkDetailsModel::highlightGraph(const QString& bssid, const WiFiScanTest& test)
+void NetworkDetailsModel::highlightGraph(const QString& bssid, const scanning::WiFiScanTest& test)
 {
     if (bssid == visibleBSSID_)
         return;
     visibleBSSID_ = bssid;
     sampledData_.clear();
     networkDetails_.reset();
-    if (const ScanedResultInfo* newest = newestOf(test, bssid))
+    if (const scan::ScanedResultInfo* newest = newestOf(test, bssid))
         networkDetails_ = *newest;
     emit changed();
 }
 
-void NetworkDetailsModel::updateGraphDataPoints(const QList<ScanedResultInfo>& history, const QString& bssid)
+void NetworkDetailsModel::updateGraphDataPoints(const QList<scan::ScanedResultInfo>& history, const QString& bssid)
 {
     if (history.isEmpty() || visibleBSSID_.isEmpty() || bssid != visibleBSSID_)
         return;
     addSample(history.first());
 }
 
-void NetworkDetailsModel::updateGraphDataPointsForConnectedSSID(const QString& bssid, const WiFiScanTest& test)
+void NetworkDetailsModel::updateGraphDataPointsForConnectedSSID(const QString& bssid, const scanning::WiFiScanTest& test)
 {
     if (bssid.isEmpty())
         return;
     if (visibleBSSID_ != bssid)
         highlightGraph(bssid, test);
-    if (const ScanedResultInfo* newest = newestOf(test, visibleBSSID_))
+    if (const scan::ScanedResultInfo* newest = newestOf(test, visibleBSSID_))
         addSample(*newest);
 }
 
-void NetworkDetailsModel::addSample(const ScanedResultInfo& newest)
+void NetworkDetailsModel::addSample(const scan::ScanedResultInfo& newest)
 {
     while (sampledData_.size() >= maxSamples)
         sampledData_.removeLast();
@@ -90,7 +90,7 @@ DetailsTexts NetworkDetailsModel::texts() const
 {
     if (!networkDetails_)
         return {};
-    const ScanedResultInfo& record = *networkDetails_;
+    const scan::ScanedResultInfo& record = *networkDetails_;
     const QString band = QString::number(record.channelBond);
     DetailsTexts texts;
     if (record.channelOffset == 1)
@@ -122,13 +122,13 @@ GraphLayout NetworkDetailsModel::layout() const
     return layout;
 }
 
-QList<QPointF> NetworkDetailsModel::points(int ScanedResultInfo::*field) const
+QList<QPointF> NetworkDetailsModel::points(int scan::ScanedResultInfo::*field) const
 {
     QList<QPointF> points;
     if (sampledData_.isEmpty())
         return points;
     const QDateTime newest = sampledData_.first().lastSeen;
-    for (const ScanedResultInfo& sample : sampledData_)
+    for (const scan::ScanedResultInfo& sample : sampledData_)
         points.append(QPointF(static_cast<double>(std::llabs(sample.lastSeen.secsTo(newest))), sample.*field));
     return points;
 }
@@ -140,14 +140,14 @@ QList<DetailsLine> NetworkDetailsModel::lines() const
     signal.lineColour = green;
     signal.symbol = PointSymbol{SymbolShape::Ellipse, 4.0, 4.0, green, green};
     signal.areaFill = fadeOut(green);
-    signal.points = points(&ScanedResultInfo::rssi);
+    signal.points = points(&scan::ScanedResultInfo::rssi);
 
     DetailsLine noise;
     noise.identifier = QLatin1String(noisePlotId);
     noise.lineColour = red;
     noise.symbol = PointSymbol{SymbolShape::Ellipse, 4.0, 4.0, yellow, yellow};
     noise.areaFill = fadeOut(red);
-    noise.points = points(&ScanedResultInfo::noise);
+    noise.points = points(&scan::ScanedResultInfo::noise);
     return {signal, noise};
 }
 

@@ -9,7 +9,9 @@
 
 #include <optional>
 
+namespace scanning {
 class WiFiScanTest;
+}
 namespace core {
 class UserSettings;
 }
@@ -47,11 +49,11 @@ public:
 
     // Examines another access point (an empty BSSID examines none): its samples start anew,
     // its newest record from the test fills the texts.
-    void highlightGraph(const QString& bssid, const WiFiScanTest& test);
+    void highlightGraph(const QString& bssid, const scanning::WiFiScanTest& test);
     // A new sample; only the examined access point's count, and the oldest beyond 25 falls off.
-    void updateGraphDataPoints(const QList<ScanedResultInfo>& history, const QString& bssid);
+    void updateGraphDataPoints(const QList<scan::ScanedResultInfo>& history, const QString& bssid);
     // The interface tab's connected network: examined if it is not yet, then sampled.
-    void updateGraphDataPointsForConnectedSSID(const QString& bssid, const WiFiScanTest& test);
+    void updateGraphDataPointsForConnectedSSID(const QString& bssid, const scanning::WiFiScanTest& test);
     void resetGraph();
     void refreshSettings();
     // Passed on to the samples window, which stops its beeping when scanning stops.
@@ -59,8 +61,8 @@ public:
     void scanDidStoppedByUser() { emit scanStopped(); }
 
     QString visibleBSSID() const { return visibleBSSID_; }
-    const QList<ScanedResultInfo>& sampledData() const { return sampledData_; }
-    const std::optional<ScanedResultInfo>& networkDetails() const { return networkDetails_; }
+    const QList<scan::ScanedResultInfo>& sampledData() const { return sampledData_; }
+    const std::optional<scan::ScanedResultInfo>& networkDetails() const { return networkDetails_; }
     DetailsTexts texts() const;
     // "SSID: %@" of the examined access point, the samples window's header.
     QString samplesHeader() const;
@@ -78,15 +80,15 @@ signals:
     void scanStopped();
 
 private:
-    void addSample(const ScanedResultInfo& newest);
-    QList<QPointF> points(int ScanedResultInfo::*field) const;
+    void addSample(const scan::ScanedResultInfo& newest);
+    QList<QPointF> points(int scan::ScanedResultInfo::*field) const;
 
     const core::UserSettings& settings_;
     GraphTheme theme_;
     bool gridLines_ = true;
     QString visibleBSSID_;
-    QList<ScanedResultInfo> sampledData_;
-    std::optional<ScanedResultInfo> networkDetails_;
+    QList<scan::ScanedResultInfo> sampledData_;
+    std::optional<scan::ScanedResultInfo> networkDetails_;
 };
 
 } // namespace graphs

@@ -11,7 +11,7 @@ const QString noData = QStringLiteral("No Data");
 
 } // namespace
 
-QString SignalAnnotation::text(const ScanedResultInfo* record) const
+QString SignalAnnotation::text(const scan::ScanedResultInfo* record) const
 {
     QString text;
     if (showRSSI)
@@ -20,7 +20,7 @@ QString SignalAnnotation::text(const ScanedResultInfo* record) const
         text += QStringLiteral("Noise: %1 \n").arg(record ? QStringLiteral("%1 dBm").arg(record->noise) : noData);
     if (showSNR)
         text += QStringLiteral("  SNR: %1 \n").arg(record ? QStringLiteral("%1 dB").arg(record->singnalToNoise) : noData);
-    text += QStringLiteral(" Time: %1").arg(record ? DateFormat::format(QStringLiteral("hh:mm:ss"), record->lastSeen) : QString());
+    text += QStringLiteral(" Time: %1").arg(record ? scan::DateFormat::format(QStringLiteral("hh:mm:ss"), record->lastSeen) : QString());
     return text;
 }
 

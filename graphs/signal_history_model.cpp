@@ -14,7 +14,7 @@ SignalHistoryModel::SignalHistoryModel(ColorCodesManager& colours, const core::U
     showValues_ = core::settingIsOn(settings_.value(QLatin1String(rssiValuesSettingKey)));
 }
 
-void SignalHistoryModel::addPlotToGraph(const QString& bssid, const QList<ScanedResultInfo>& history)
+void SignalHistoryModel::addPlotToGraph(const QString& bssid, const QList<scan::ScanedResultInfo>& history)
 {
     const ColourCodePtr colour = history.isEmpty() ? nullptr : colours_.getColorCode(&history.first());
     plots_.add(bssid, lineWidth, PlotStack::restingAlpha, colour);
@@ -22,7 +22,7 @@ void SignalHistoryModel::addPlotToGraph(const QString& bssid, const QList<Scaned
     emit changed();
 }
 
-void SignalHistoryModel::updateGraphDataPoints(const QList<ScanedResultInfo>& history, const QString& bssid)
+void SignalHistoryModel::updateGraphDataPoints(const QList<scan::ScanedResultInfo>& history, const QString& bssid)
 {
     if (!plots_.contains(bssid)) {
         addPlotToGraph(bssid, history);
@@ -43,7 +43,7 @@ void SignalHistoryModel::clearGraph()
     emit changed();
 }
 
-void SignalHistoryModel::reloadGraph(const WiFiScanTest& test)
+void SignalHistoryModel::reloadGraph(const scanning::WiFiScanTest& test)
 {
     if (test.refreshInterval != refreshInterval_) {
         refreshInterval_ = test.refreshInterval;
@@ -92,9 +92,9 @@ GraphLayout SignalHistoryModel::layout() const
     return layout;
 }
 
-QPointF SignalHistoryModel::point(const QList<ScanedResultInfo>& history, int index) const
+QPointF SignalHistoryModel::point(const QList<scan::ScanedResultInfo>& history, int index) const
 {
-    const ScanedResultInfo& sample = history.at(index);
+    const scan::ScanedResultInfo& sample = history.at(index);
     const double secondsBefore = sample.lastSeen.msecsTo(history.first().lastSeen) / 1000.0;
     return {secondsBefore, static_cast<double>(sample.rssi)};
 }
@@ -113,7 +113,7 @@ std::optional<HistoryLine> SignalHistoryModel::line(const QString& identifier) c
         const ColourCode symbolColour = withAlpha(style->colour, PlotStack::restingAlpha);
         line.symbol = PointSymbol{SymbolShape::Ellipse, 4.0, 4.0, symbolColour, symbolColour};
     }
-    const QList<ScanedResultInfo> history = histories_.value(identifier);
+    const QList<scan::ScanedResultInfo> history = histories_.value(identifier);
     for (int i = 0; i < history.size(); ++i)
         line.points.append(point(history, i));
     return line;
@@ -144,7 +144,7 @@ std::optional<ValueLabel> SignalHistoryModel::dataLabel(const QString& identifie
 
 QString SignalHistoryModel::annotationText(int index) const
 {
-    const QList<ScanedResultInfo> history = histories_.value(plots_.highlighted());
+    const QList<scan::ScanedResultInfo> history = histories_.value(plots_.highlighted());
     const bool present = index >= 0 && index < history.size();
     return annotation().text(present ? &history.at(index) : nullptr);
 }
@@ -152,7 +152,7 @@ QString SignalHistoryModel::annotationText(int index) const
 std::optional<SelectionLine> SignalHistoryModel::selectionLine(int index) const
 {
     const QString id = plots_.highlighted();
-    const QList<ScanedResultInfo> history = histories_.value(id);
+    const QList<scan::ScanedResultInfo> history = histories_.value(id);
     if (id.isEmpty() || index < 0 || index >= history.size())
         return std::nullopt;
     const double x = point(history, index).x();

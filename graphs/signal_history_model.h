@@ -12,8 +12,12 @@
 
 #include <optional>
 
+namespace graphs {
 class ColorCodesManager;
+}
+namespace scanning {
 class WiFiScanTest;
+}
 namespace core {
 class UserSettings;
 }
@@ -66,13 +70,13 @@ public:
                        QObject* parent = nullptr);
 
     // history: the network's samples, newest first; the test's own list, kept untrimmed.
-    void addPlotToGraph(const QString& bssid, const QList<ScanedResultInfo>& history);
-    void updateGraphDataPoints(const QList<ScanedResultInfo>& history, const QString& bssid);
+    void addPlotToGraph(const QString& bssid, const QList<scan::ScanedResultInfo>& history);
+    void updateGraphDataPoints(const QList<scan::ScanedResultInfo>& history, const QString& bssid);
     // Takes the line off the graph; its samples stay, so re-adding shows them at once.
     void removePlotFromGraph(const QString& bssid);
     void clearGraph();
     // Follows the test's scan interval, then redraws.
-    void reloadGraph(const WiFiScanTest& test);
+    void reloadGraph(const scanning::WiFiScanTest& test);
     void didRemoveAllPlots();
     void highlightGraph(const QString& bssid);
     // Re-reads the grid-line and value-label switches; emits changed() when one moved.
@@ -94,7 +98,7 @@ signals:
     void annotationMoved(int index);
 
 private:
-    QPointF point(const QList<ScanedResultInfo>& history, int index) const;
+    QPointF point(const QList<scan::ScanedResultInfo>& history, int index) const;
 
     ColorCodesManager& colours_;
     const core::UserSettings& settings_;
@@ -104,7 +108,7 @@ private:
     int refreshInterval_ = 0;
     ValueRange xRange_{59.0, -59.0};
     double xMajorInterval_ = 15.0;
-    QHash<QString, QList<ScanedResultInfo>> histories_;
+    QHash<QString, QList<scan::ScanedResultInfo>> histories_;
     PlotStack plots_;
 };
 

@@ -21,7 +21,7 @@ const ColourCode otherColour{69.0 / 255.0, 69.0 / 255.0, 69.0 / 255.0, 1.0};
 
 SignalRankModel::SignalRankModel(GraphTheme theme, QObject* parent) : QObject(parent), theme_(theme) {}
 
-void SignalRankModel::addPlotToGraph(const QString& bssid, const ScanedResultInfo& record)
+void SignalRankModel::addPlotToGraph(const QString& bssid, const scan::ScanedResultInfo& record)
 {
     graphDataDictionary_.insert(bssid, record);
     if (activeBSSID_.isEmpty() && !testActiveBSSID_.isEmpty() && bssid == testActiveBSSID_)
@@ -29,7 +29,7 @@ void SignalRankModel::addPlotToGraph(const QString& bssid, const ScanedResultInf
     sortScanResultsByRSSI();
 }
 
-void SignalRankModel::updateGraphDataPoints(const ScanedResultInfo& record, const QString& bssid)
+void SignalRankModel::updateGraphDataPoints(const scan::ScanedResultInfo& record, const QString& bssid)
 {
     addPlotToGraph(bssid, record);
 }
@@ -47,12 +47,12 @@ void SignalRankModel::sortScanResultsByRSSI()
     graphDataArray_ = graphDataDictionary_.values();
     // The map hands the records over in BSSID order, so ties stay in that order.
     std::stable_sort(graphDataArray_.begin(), graphDataArray_.end(),
-                     [](const ScanedResultInfo& a, const ScanedResultInfo& b) { return a.rssi > b.rssi; });
+                     [](const scan::ScanedResultInfo& a, const scan::ScanedResultInfo& b) { return a.rssi > b.rssi; });
     xLength_ = static_cast<double>(graphDataArray_.size()) + emptySlots;
     emit changed();
 }
 
-void SignalRankModel::reloadGraph(const WiFiScanTest* test)
+void SignalRankModel::reloadGraph(const scanning::WiFiScanTest* test)
 {
     if (test) {
         testActiveBSSID_ = test->activeBSSID;
@@ -65,11 +65,11 @@ void SignalRankModel::reloadGraph(const WiFiScanTest* test)
     emit changed();
 }
 
-void SignalRankModel::highlightGraph(const QString& bssid, const WiFiScanTest& test)
+void SignalRankModel::highlightGraph(const QString& bssid, const scanning::WiFiScanTest& test)
 {
     visibleBSSID_ = bssid;
     testActiveBSSID_ = test.activeBSSID;
-    if (!ScannerUtils::hasValue(test.activeBSSID))
+    if (!scan::ScannerUtils::hasValue(test.activeBSSID))
         activeBSSID_.clear();
     emit changed();
 }
@@ -84,7 +84,7 @@ void SignalRankModel::clearGraph()
     emit changed();
 }
 
-void SignalRankModel::scanDidStartedByUser(const WiFiScanTest& test) { testActiveBSSID_ = test.activeBSSID; }
+void SignalRankModel::scanDidStartedByUser(const scanning::WiFiScanTest& test) { testActiveBSSID_ = test.activeBSSID; }
 
 void SignalRankModel::hoverBar(int index)
 {
@@ -96,7 +96,7 @@ std::optional<ColourCode> SignalRankModel::barFill(int index) const
 {
     if (index < 0 || index >= graphDataArray_.size())
         return std::nullopt;
-    const ScanedResultInfo& bar = graphDataArray_.at(index);
+    const scan::ScanedResultInfo& bar = graphDataArray_.at(index);
     const auto ssidOf = [this](const QString& bssid) -> std::optional<QString> {
         const auto it = graphDataDictionary_.constFind(bssid);
         return bssid.isEmpty() || it == graphDataDictionary_.cend() ? std::nullopt : std::optional(it->ssid);
@@ -120,7 +120,7 @@ QList<RankBar> SignalRankModel::bars() const
 {
     QList<RankBar> bars;
     for (int i = 0; i < graphDataArray_.size(); ++i) {
-        const ScanedResultInfo& record = graphDataArray_.at(i);
+        const scan::ScanedResultInfo& record = graphDataArray_.at(i);
         bars.append(RankBar{record.bssid, static_cast<double>(i), static_cast<double>(record.rssi), *barFill(i)});
     }
     return bars;

@@ -9,7 +9,9 @@
 
 #include <optional>
 
+namespace scanning {
 class WiFiScanTest;
+}
 
 // The data of the signal rank graph: one bar per access point, strongest first, coloured by
 // whether it is the connected, selected or hovered network or shares its name, and the three
@@ -53,19 +55,19 @@ public:
 
     explicit SignalRankModel(GraphTheme theme = {}, QObject* parent = nullptr);
 
-    void addPlotToGraph(const QString& bssid, const ScanedResultInfo& record);
-    void updateGraphDataPoints(const ScanedResultInfo& record, const QString& bssid);
+    void addPlotToGraph(const QString& bssid, const scan::ScanedResultInfo& record);
+    void updateGraphDataPoints(const scan::ScanedResultInfo& record, const QString& bssid);
     void removePlotFromGraph(const QString& bssid);
     // Follows the test's connected network; with nothing stored, forgets selection and hover.
-    void reloadGraph(const WiFiScanTest* test);
-    void highlightGraph(const QString& bssid, const WiFiScanTest& test);
+    void reloadGraph(const scanning::WiFiScanTest* test);
+    void highlightGraph(const QString& bssid, const scanning::WiFiScanTest& test);
     void clearGraph();
-    void scanDidStartedByUser(const WiFiScanTest& test);
+    void scanDidStartedByUser(const scanning::WiFiScanTest& test);
     // The bar under the mouse; a negative index means none.
     void hoverBar(int index);
 
     // Records by signal, strongest first; equal signals in BSSID order.
-    const QList<ScanedResultInfo>& graphDataArray() const { return graphDataArray_; }
+    const QList<scan::ScanedResultInfo>& graphDataArray() const { return graphDataArray_; }
     QList<RankBar> bars() const;
     std::optional<ColourCode> barFill(int index) const;
     RankLabels labels() const;
@@ -83,8 +85,8 @@ private:
     GraphTheme theme_;
     // Room for nearly sixty bars until the first network arrives.
     double xLength_ = 59.0;
-    QMap<QString, ScanedResultInfo> graphDataDictionary_;
-    QList<ScanedResultInfo> graphDataArray_;
+    QMap<QString, scan::ScanedResultInfo> graphDataDictionary_;
+    QList<scan::ScanedResultInfo> graphDataArray_;
     QString testActiveBSSID_;
     QString visibleBSSID_;
     QString hoverBSSID_;

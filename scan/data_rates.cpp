@@ -12,6 +12,8 @@
 #include <utility>
 #include <vector>
 
+namespace scan {
+
 namespace {
 
 float baseValue(std::int64_t streams, int channelWidth)
@@ -242,3 +244,5 @@ QString ScanedResultInfo::getMaxDataRate()
     }
     return maxDataRate;
 }
+
+} // namespace scan

@@ -10,6 +10,8 @@
 #include <map>
 #include <memory>
 
+namespace scan {
+
 namespace {
 
 const icu::Locale& fixedLocale()
@@ -131,3 +133,5 @@ QString DateFormat::relativePhrase(double secondsAgo)
         secondsAgo >= 0.0 ? UDAT_DIRECTION_LAST : UDAT_DIRECTION_NEXT, chosen.unit, text, status);
     return U_FAILURE(status) ? QString() : fromIcu(text);
 }
+
+} // namespace scan

@@ -3,6 +3,8 @@
 #include <QDateTime>
 #include <QString>
 
+namespace scan {
+
 // Date texts through ICU in the local time zone with a fixed locale, so that file names and
 // logs read the same on every machine.
 class DateFormat {
@@ -16,3 +18,5 @@ public:
     // in the largest unit that fits.
     static QString relativePhrase(double secondsAgo);
 };
+
+} // namespace scan

@@ -33,3 +33,4 @@ constexpr std::uint8_t ApNameVendorType = 1;
 constexpr std::uint8_t ApNameVendorSubtype = 3;
 
 } // namespace scan::element
+

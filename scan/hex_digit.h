@@ -2,6 +2,8 @@
 
 #include <QChar>
 
+namespace scan {
+
 // Value of one hexadecimal digit of either case, or -1 for any other character.
 inline int hexDigitValue(QChar c)
 {
@@ -17,3 +19,5 @@ inline int hexDigitValue(QChar c)
     }
     return -1;
 }
+
+} // namespace scan

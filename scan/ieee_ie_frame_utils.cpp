@@ -5,6 +5,8 @@
 #include <array>
 #include <utility>
 
+namespace scan {
+
 namespace {
 
 const char* const htPhySelector =
@@ -71,3 +73,5 @@ QString IEEE_IE_FrameUtils::resolveCipherType(int suiteType)
         return QStringLiteral("Reserved");
     }
 }
+
+} // namespace scan

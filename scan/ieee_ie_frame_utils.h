@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace scan {
+
 // Look-ups the element parser needs: the text of a rate byte and the name of a cipher suite.
 class IEEE_IE_FrameUtils {
 public:
@@ -14,3 +16,5 @@ public:
     static const QString& bitRateForByte(unsigned char byte);
     static QString resolveCipherType(int suiteType);
 };
+
+} // namespace scan

@@ -13,6 +13,8 @@
 #include <optional>
 #include <utility>
 
+namespace scan {
+
 // Several fields are read at bit and byte positions that differ from the 802.11 standard.
 // They are kept on purpose: the same access point must show the same values as it always has.
 // Bytes that are 0 or 1 print as a one-digit bit string, so those values never match a
@@ -275,3 +277,5 @@ void ScanedResultInfo::parseInformationElement(const QByteArray& data)
         mobilityDomain = QStringLiteral("N/A");
     }
 }
+
+} // namespace scan

@@ -6,6 +6,8 @@
 #include <limits>
 #include <optional>
 
+namespace scan {
+
 int ScannerUtils::getMCSIndexUsingTXRate(double txRateMbps, int channelWidthMhz, const ScanedResultInfo& networkInfo)
 {
     float base = 7.2F;
@@ -44,3 +46,5 @@ int ScannerUtils::getMCSIndexUsingTXRate(double txRateMbps, int channelWidthMhz,
     }
     return index == -1 ? 0 : static_cast<int>(index);
 }
+
+} // namespace scan

@@ -1,5 +1,7 @@
 #include "scan/network_sort.h"
 
+namespace scan {
+
 namespace {
 
 template <typename T>
@@ -84,3 +86,5 @@ ComparisonResult compareSN(const platform::ScanResult& network, const platform::
 {
     return order(signalToNoise(network), signalToNoise(other));
 }
+
+} // namespace scan

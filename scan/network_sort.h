@@ -2,6 +2,8 @@
 
 #include "platform/api/scan_result.h"
 
+namespace scan {
+
 // Orderings of raw scan results, one per sortable property: each says where `network` stands
 // relative to `other` in ascending order.
 enum class ComparisonResult : int { Ascending = -1, Same = 0, Descending = 1 };
@@ -20,3 +22,5 @@ ComparisonResult compareRSSI(const platform::ScanResult& network, const platform
 ComparisonResult compareNoise(const platform::ScanResult& network, const platform::ScanResult& other);
 ComparisonResult compareIBSS(const platform::ScanResult& network, const platform::ScanResult& other);
 ComparisonResult compareSN(const platform::ScanResult& network, const platform::ScanResult& other);
+
+} // namespace scan

@@ -9,6 +9,8 @@
 #include <mutex>
 #include <unordered_map>
 
+namespace scan {
+
 namespace {
 
 const icu::number::LocalizedNumberFormatter& formatter()
@@ -115,3 +117,5 @@ QString NumberFormat::format(float value)
     }
     return QString::fromRawData(slot.text.data, slot.text.size);
 }
+
+} // namespace scan

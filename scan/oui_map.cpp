@@ -11,6 +11,8 @@
 #include <string_view>
 #include <utility>
 
+namespace scan {
+
 namespace {
 
 QByteArray readAll(const QString& path)
@@ -158,3 +160,5 @@ OuiMap::Table OuiMap::parse(QByteArray utf8)
     table.entries = std::move(unique);
     return table;
 }
+
+} // namespace scan

@@ -9,6 +9,8 @@
 #include <mutex>
 #include <vector>
 
+namespace scan {
+
 // The vendor table: OUI key "XX:XX:XX" to vendor name, read once from "oui-mapping.txt" and
 // shared by every thread that names access points. It keeps the file's bytes and an index of
 // the hex keys, so loading costs one pass and no string per entry; names are made on lookup.
@@ -46,3 +48,5 @@ private:
     Table table_;
     std::atomic<bool> loaded_{false};
 };
+
+} // namespace scan

@@ -5,6 +5,8 @@
 
 #include <utility>
 
+namespace scan {
+
 namespace {
 
 // The oldest interface reports no width, only the HT secondary-channel offset.
@@ -101,3 +103,5 @@ StoredObservation observationFromScanResult(const platform::ScanResult& network,
     row.channelBond = core::bandGhz(network.channelBand, network.channelNumber);
     return row;
 }
+
+} // namespace scan

@@ -10,6 +10,8 @@
 
 #include <memory>
 
+namespace scan {
+
 // One stored observation as the scan driver reads it back: the columns of its grouped query.
 struct StoredObservation {
     QString bssid;
@@ -38,3 +40,5 @@ ScanedResultInfo buildRecord(const StoredObservation& row,
 // The stored observation the driver would write for a scan result, with the SSID text as given.
 StoredObservation observationFromScanResult(const platform::ScanResult& network, const QDateTime& seen,
                                             core::InterfaceGeneration generation);
+
+} // namespace scan

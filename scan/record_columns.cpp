@@ -7,6 +7,8 @@
 
 #include <limits>
 
+namespace scan {
+
 namespace record_columns {
 namespace {
 
@@ -303,3 +305,5 @@ QString csvHeading()
 }
 
 } // namespace record_columns
+
+} // namespace scan

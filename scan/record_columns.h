@@ -10,6 +10,8 @@
 
 #include <functional>
 
+namespace scan {
+
 // The columns of a record, one list for the results table, the CSV and HTML export and sorting.
 // It lives here rather than beside the table because a record renders its own export row from
 // it, and this layer cannot see the one above.
@@ -64,3 +66,5 @@ QStringList headerMenuColumns();
 QString csvHeading();
 
 }  // namespace record_columns
+
+} // namespace scan

@@ -5,6 +5,8 @@
 
 #include <QLatin1String>
 
+namespace scan {
+
 namespace {
 
 bool isHtml(const QString& exportType) { return exportType == QLatin1String("html"); }
@@ -61,3 +63,5 @@ QString ScanedResultInfo::getHeader(const core::UserSettings& settings) const
     header += QLatin1String("</tr></thead>\n");
     return header;
 }
+
+} // namespace scan

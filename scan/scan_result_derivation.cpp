@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <optional>
 
+namespace scan {
+
 namespace {
 
 using platform::ChannelBand;
@@ -274,8 +276,6 @@ bool isValidUtf8(const std::uint8_t* s, std::size_t n)
 
 } // namespace
 
-namespace derivation {
-
 QString ssidText(const QByteArray& ssidBytes)
 {
     if (ssidBytes.isEmpty())
@@ -307,8 +307,6 @@ std::optional<int> channelForFrequency(int frequencyMhz)
     return std::nullopt;
 }
 
-} // namespace derivation
-
 platform::ScanResult deriveScanResult(const RawBssFacts& facts)
 {
     const ElementFacts elements = walkElements(facts.informationElements);
@@ -318,12 +316,12 @@ platform::ScanResult deriveScanResult(const RawBssFacts& facts)
         result.ssidData = QByteArray(reinterpret_cast<const char*>(elements.ssid->data()),
                                      static_cast<qsizetype>(elements.ssid->size()));
     }
-    result.ssid = derivation::ssidText(result.ssidData);
+    result.ssid = scan::ssidText(result.ssidData);
     result.bssid = facts.bssid;
 
     int channel = channelFromElements(elements);
     if (channel == 0 && facts.frequencyMhz)
-        channel = derivation::channelForFrequency(*facts.frequencyMhz).value_or(0);
+        channel = scan::channelForFrequency(*facts.frequencyMhz).value_or(0);
     result.channelNumber = channel;
     result.channelBand = core::bandForChannel(channel);
     if (result.channelBand == ChannelBand::Unknown && facts.frequencyMhz)
@@ -346,3 +344,5 @@ platform::ScanResult deriveScanResult(const RawBssFacts& facts)
     result.secured = result.securityMode != platform::SecurityNone;
     return result;
 }
+
+} // namespace scan

@@ -7,6 +7,8 @@
 
 #include <optional>
 
+namespace scan {
+
 // What a backend knows of a BSS before decoding: address, frequency, signal, capability bits
 // and the raw element bytes. Every backend (live interface, simulator, capture replay) hands
 // these facts over and gets the same scan result back, so width, PHY modes, security, SSID
@@ -24,8 +26,8 @@ struct RawBssFacts {
 platform::ScanResult deriveScanResult(const RawBssFacts& facts);
 
 // Helpers exposed for the backends and their tests.
-namespace derivation {
 // SSID text: UTF-8 when valid, else one Latin-1 character per byte; "" when empty or all zero.
 QString ssidText(const QByteArray& ssidBytes);
 std::optional<int> channelForFrequency(int frequencyMhz);
-} // namespace derivation
+
+} // namespace scan

@@ -1,5 +1,7 @@
 #include "scan/scaned_result_info.h"
 
+namespace scan {
+
 ScanedResultInfo ScanedResultInfo::copy() const
 {
     ScanedResultInfo result;
@@ -43,3 +45,5 @@ void ScanedResultInfo::resetInformationElementInformation()
     protectionMode = QString();
     mobilityDomain = QString();
 }
+
+} // namespace scan

@@ -12,6 +12,8 @@
 #include <memory>
 #include <optional>
 
+namespace scan {
+
 // One access point (one BSSID) as seen in the latest scan of a test, with everything derived
 // from that observation. A fresh record has null texts, zero numbers and zero flags. The field
 // names are the keys the results table binds to and keep their historical spellings.
@@ -70,3 +72,5 @@ public:
     QString toString(const core::UserSettings& settings);
     QString getHeader(const core::UserSettings& settings) const;
 };
+
+} // namespace scan

@@ -12,6 +12,8 @@
 
 #include <array>
 
+namespace scan {
+
 namespace {
 
 QString emptyText() { return QStringLiteral(""); }
@@ -271,3 +273,5 @@ QByteArray ScannerUtils::NSDataFromHexString(const QString& hex)
     }
     return bytes;
 }
+
+} // namespace scan

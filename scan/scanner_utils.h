@@ -11,11 +11,13 @@
 
 #include <cstdint>
 
-class ScanedResultInfo;
-
 namespace platform {
 struct ScanResult;
 }
+
+namespace scan {
+
+class ScanedResultInfo;
 
 // Stateless helpers shared by the whole program: vendor lookup, MAC and name normalisation,
 // the texts of platform mode codes, hex and bit-string conversion, number and date formatting,
@@ -75,3 +77,5 @@ public:
     static QString stringFromHexString(const QString& hex);
     static QByteArray NSDataFromHexString(const QString& hex);
 };
+
+} // namespace scan

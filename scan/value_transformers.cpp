@@ -8,6 +8,8 @@
 #include <mutex>
 #include <utility>
 
+namespace scan {
+
 namespace {
 
 bool isAbsent(const QVariant& value) { return !value.isValid() || value.isNull(); }
@@ -155,3 +157,5 @@ void ValueTransformerRegistry::registerDefaultTransformers()
     setValueTransformer(std::make_shared<ChannelUtilizationTransformer>(),
                         QStringLiteral("ChannelUtilizationTransformer"));
 }
+
+} // namespace scan

@@ -5,6 +5,8 @@
 
 #include <memory>
 
+namespace scan {
+
 // One-way conversions from a record's numbers to the texts the results table and the interface
 // view show, looked up by the name a column or label asks for.
 class ValueTransformer {
@@ -74,3 +76,5 @@ public:
     // Registers the nine display transformers under their class names.
     static void registerDefaultTransformers();
 };
+
+} // namespace scan

@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <QThread>
 
+namespace scanning {
+
 BackgroundWork::~BackgroundWork()
 {
     shutDown();
@@ -37,3 +39,5 @@ void BackgroundWork::shutDown()
 {
     shuttingDown_ = true;
 }
+
+} // namespace scanning

@@ -6,6 +6,8 @@
 #include <atomic>
 #include <functional>
 
+namespace scanning {
+
 // Tasks on a private thread pool that hand their results back to the thread owning this object.
 // After shutDown() the hand-offs are dropped, so nothing reaches an owner being destroyed.
 class BackgroundWork : public QObject {
@@ -26,3 +28,5 @@ private:
     std::atomic<bool> shuttingDown_{false};
     QThreadPool pool_;
 };
+
+} // namespace scanning

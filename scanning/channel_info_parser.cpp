@@ -6,6 +6,8 @@
 #include <QRegularExpression>
 #include <QXmlStreamReader>
 
+namespace scanning {
+
 namespace {
 
 // The network name fills the first 32 characters, right-aligned; fields follow after it.
@@ -100,7 +102,7 @@ ChannelInfo parseChannelInfo(const QByteArray& scanListing)
         // The heading line carries words where the address belongs.
         if (fields.size() <= channelField || !looksLikeAddress(fields.at(bssidField)))
             continue;
-        const QString bssid = ScannerUtils::normalizeMAC(fields.at(bssidField).toUpper());
+        const QString bssid = scan::ScannerUtils::normalizeMAC(fields.at(bssidField).toUpper());
         info.channelByBssid.insert(bssid, fields.at(channelField));
         if (fields.size() <= firstSecurityField)
             continue;
@@ -111,3 +113,5 @@ ChannelInfo parseChannelInfo(const QByteArray& scanListing)
     }
     return info;
 }
+
+} // namespace scanning

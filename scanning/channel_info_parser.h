@@ -8,6 +8,8 @@
 
 #include <optional>
 
+namespace scanning {
+
 // Reads the channel text and security text of every network from the command-line tool's plain
 // "-s" listing; the wireless service itself reports neither the secondary-channel suffix nor
 // the security text the table shows.
@@ -23,3 +25,5 @@ ChannelInfo parseChannelInfo(const QByteArray& scanListing);
 // keys; nested arrays and dictionaries as lists and maps. nullopt with *error on malformed XML or
 // another shape.
 std::optional<QList<QVariantMap>> parseNetworkPropertyList(const QByteArray& xml, QString* error);
+
+} // namespace scanning

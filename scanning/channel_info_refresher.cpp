@@ -4,6 +4,8 @@
 
 #include <QRegularExpression>
 
+namespace scanning {
+
 namespace {
 
 QString shellQuoted(const QString& text)
@@ -110,3 +112,5 @@ QString ChannelInfoRefresher::channelTextFor(const QString& bssid, int channelNu
     bssidToChannelMapping_.erase(stored);
     return number;
 }
+
+} // namespace scanning

@@ -12,6 +12,8 @@
 
 #include <optional>
 
+namespace scanning {
+
 // The channel and security texts of the command-line tool, which the wireless service does not
 // report: re-read in the background on request, kept per BSSID for the scan processing.
 class ChannelInfoRefresher : public QObject {
@@ -54,3 +56,5 @@ private:
     // Declared last: destroyed first, after every task that reaches the members above ended.
     BackgroundWork work_;
 };
+
+} // namespace scanning

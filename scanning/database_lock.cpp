@@ -9,6 +9,8 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+namespace scanning {
+
 namespace {
 
 QString thisProgram()
@@ -70,3 +72,5 @@ DatabaseLock::~DatabaseLock()
 {
     ::close(fd_);
 }
+
+} // namespace scanning

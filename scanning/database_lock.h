@@ -4,6 +4,8 @@
 
 #include <memory>
 
+namespace scanning {
+
 // One database, one scanner: starting a test empties the observation table, so two processes
 // scanning into one file would destroy each other's rows. The lock is an advisory flock on
 // "<database>.lock", which names its holder (pid and program) for the refusal message and is
@@ -23,3 +25,5 @@ private:
     explicit DatabaseLock(int fd) : fd_(fd) {}
     int fd_;
 };
+
+} // namespace scanning

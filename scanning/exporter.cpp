@@ -12,6 +12,8 @@
 
 #include <utility>
 
+namespace scanning {
+
 namespace {
 
 const QString selectTestMessage = QStringLiteral("Please select a test to generate the report.");
@@ -108,7 +110,7 @@ QString ScanExporter::suggestedFileName(Kind kind, const QDateTime& now)
         name = QStringLiteral("all-scan-report-%1.html");
         break;
     }
-    return QLatin1String("skyvane-") + name.arg(ScannerUtils::formatDate(QStringLiteral("yyyyMMdd-HH-mm-ss"), now));
+    return QLatin1String("skyvane-") + name.arg(scan::ScannerUtils::formatDate(QStringLiteral("yyyyMMdd-HH-mm-ss"), now));
 }
 
 QString ScanExporter::destinationPath(const QString& locationUrlText)
@@ -129,7 +131,7 @@ QString ScanExporter::csvText(const QList<WiFiScanTest*>& tests) const
     for (WiFiScanTest* test : tests) {
         // The test name is the user's text: it may hold separators or start like a formula.
         const QString name = core::csvCell(test->testLabel);
-        for (ScanedResultInfo& record : test->scanedData1) {
+        for (scan::ScanedResultInfo& record : test->scanedData1) {
             record.exportType = QStringLiteral("csv");
             if (!headingWritten) {
                 text += record.getHeader(settings_);
@@ -146,7 +148,7 @@ QString ScanExporter::htmlBody(const QList<WiFiScanTest*>& tests) const
     QString body;
     for (WiFiScanTest* test : tests) {
         bool first = true;
-        for (ScanedResultInfo& record : test->scanedData1) {
+        for (scan::ScanedResultInfo& record : test->scanedData1) {
             record.exportType = QStringLiteral("html");
             if (first) {
                 body += QLatin1String("<center style='font-size:18px; color:#f37736;'><strong> ")
@@ -170,7 +172,7 @@ QString ScanExporter::htmlPage(const QString& body, const QDateTime& now) const
     if (file.open(QIODevice::ReadOnly))
         page = QString::fromUtf8(file.readAll());
     // The date goes in first so that text in the body can never be taken for a placeholder.
-    page.replace(QLatin1String("{DATE}"), ScannerUtils::formatDate(QStringLiteral("yyyy-MM-dd HH:mm:ss"), now));
+    page.replace(QLatin1String("{DATE}"), scan::ScannerUtils::formatDate(QStringLiteral("yyyy-MM-dd HH:mm:ss"), now));
     page.replace(QLatin1String("{BODY}"), body);
     return page;
 }
@@ -206,7 +208,7 @@ ScanExporter::Result ScanExporter::writeGraphReport(const QString& fileSavePath,
 {
     const QFileInfo chosen(fileSavePath);
     const QString folder = chosen.absolutePath() + QLatin1String("/skyvane-single-scan-report-")
-                           + ScannerUtils::formatDate(QStringLiteral("yyyyMMdd-HH-mm"), now);
+                           + scan::ScannerUtils::formatDate(QStringLiteral("yyyyMMdd-HH-mm"), now);
     // A folder that cannot be made shows up as the failed page write below, which then takes
     // away whatever folders this export made, so a failed report leaves nothing behind.
     const QString created = firstMissingFolder(folder);
@@ -236,3 +238,5 @@ ScanExporter::Result ScanExporter::writeGraphReport(const QString& fileSavePath,
     return {pagePath, QStringLiteral("Report written without graph images: %1 missing.").arg(missing.join(QLatin1String(", "))),
             QString(), QString()};
 }
+
+} // namespace scanning

@@ -10,6 +10,8 @@
 #include <QList>
 #include <QString>
 
+namespace scanning {
+
 // Writes the latest results of one scan test or of all tests as a CSV file or an HTML report.
 // Exporting marks every visited record with its export type, as the rows render by it.
 class ScanExporter {
@@ -57,3 +59,5 @@ private:
     const core::UserSettings& settings_;
     QString templatePath_;
 };
+
+} // namespace scanning

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace scanning {
+
 namespace {
 
 const QString anyValue = QStringLiteral("Any");
@@ -174,3 +176,5 @@ bool FilterCriteria::doCommandBySelector(const std::function<bool()>& perform)
     commandHandling = false;
     return performed;
 }
+
+} // namespace scanning

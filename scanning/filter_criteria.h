@@ -7,6 +7,8 @@
 
 #include <functional>
 
+namespace scanning {
+
 // The filter bar of the scanner tab without its widgets: the user's inputs, the SQL condition
 // they make for the database's reading queries, and the completion of the filter fields.
 class FilterCriteria {
@@ -70,3 +72,5 @@ public:
     // Runs a field-editor command with commandHandling set; returns what perform returns.
     bool doCommandBySelector(const std::function<bool()>& perform);
 };
+
+} // namespace scanning

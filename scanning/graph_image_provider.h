@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace scanning {
+
 // A graph that can save its current picture as a PNG file for a report. The three graphs of the
 // scanner tab implement it; the report decides only the folder, each graph its own file name.
 class GraphImageProvider {
@@ -21,3 +23,5 @@ struct ReportGraphs {
     GraphImageProvider* channels5GHz = nullptr;
     GraphImageProvider* signalRank = nullptr;
 };
+
+} // namespace scanning

@@ -5,6 +5,8 @@
 #include <QList>
 #include <QString>
 
+namespace scanning {
+
 class WiFiScanTest;
 
 // What the results table tells the graph beside it: which networks to plot, their new samples,
@@ -14,8 +16,8 @@ public:
     virtual ~GraphSink() = default;
 
     // history: the network's samples from the test, newest first.
-    virtual void addPlotToGraph(const QString& bssid, const QList<ScanedResultInfo>& history) = 0;
-    virtual void updateGraphDataPoints(const QList<ScanedResultInfo>& history, const QString& bssid) = 0;
+    virtual void addPlotToGraph(const QString& bssid, const QList<scan::ScanedResultInfo>& history) = 0;
+    virtual void updateGraphDataPoints(const QList<scan::ScanedResultInfo>& history, const QString& bssid) = 0;
     virtual void removePlotFromGraph(const QString& bssid) = 0;
     virtual void highlightGraph(const QString& bssid, const WiFiScanTest& test) = 0;
     // bssid is the selected row's network, empty when no row is selected.
@@ -25,3 +27,5 @@ public:
     virtual void scanDidStartedByUser(const WiFiScanTest& test) = 0;
     virtual void scanDidStoppedByUser() = 0;
 };
+
+} // namespace scanning

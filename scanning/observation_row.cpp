@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+namespace scanning {
+
 namespace {
 
 const QString hiddenName = QStringLiteral("[Hidden]");
@@ -48,13 +50,13 @@ ObservationRow ObservationRow::fromScanResult(const platform::ScanResult& networ
     row.generation = generation;
     row.originalChannel = network.channelNumber;
     row.channel = oldest ? channelText : QString::number(network.channelNumber);
-    row.phyMode = oldest ? ScannerUtils::stringForPHYMode(oldestPhyModeCode(network), generation)
-                         : ScannerUtils::getSupportedPHYModeString(network, generation);
+    row.phyMode = oldest ? scan::ScannerUtils::stringForPHYMode(oldestPhyModeCode(network), generation)
+                         : scan::ScannerUtils::getSupportedPHYModeString(network, generation);
     row.rssi = network.rssiValue;
     row.noise = QString::number(network.noiseMeasurement);
     row.hidden = network.ssid.isEmpty();
     row.ssid = row.hidden ? hiddenName : network.ssid;
-    row.bssid = ScannerUtils::normalizeMAC(network.bssid);
+    row.bssid = scan::ScannerUtils::normalizeMAC(network.bssid);
     row.singnalToNoise = std::max(network.rssiValue - network.noiseMeasurement, 0);
     if (oldest)
         row.securityMode = QString::number(oldestSecurityModeCode(network.securityMode));
@@ -63,6 +65,8 @@ ObservationRow ObservationRow::fromScanResult(const platform::ScanResult& networ
     row.ibss = network.ibss ? QStringLiteral("1") : QStringLiteral("0");
     row.lastSeen = secondsSince1970;
     row.channelBond = core::bandGhz(oldest ? core::ChannelBand::Unknown : network.channelBand, network.channelNumber);
-    row.normalizedSsid = row.hidden ? hiddenName : ScannerUtils::normalizeString(network.ssid);
+    row.normalizedSsid = row.hidden ? hiddenName : scan::ScannerUtils::normalizeString(network.ssid);
     return row;
 }
+
+} // namespace scanning

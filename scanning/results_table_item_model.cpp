@@ -1,8 +1,10 @@
 #include "scanning/results_table_item_model.h"
 
+namespace scanning {
+
 namespace {
 
-bool isCheckbox(const record_columns::RecordColumn* column)
+bool isCheckbox(const scan::record_columns::RecordColumn* column)
 {
     return column != nullptr && column->identifier == QLatin1String("checkbox");
 }
@@ -28,7 +30,7 @@ int ResultsTableItemModel::columnCount(const QModelIndex& parent) const
     return parent.isValid() ? 0 : static_cast<int>(columns_.size());
 }
 
-const record_columns::RecordColumn* ResultsTableItemModel::columnAt(int column) const
+const scan::record_columns::RecordColumn* ResultsTableItemModel::columnAt(int column) const
 {
     return column >= 0 && column < columns_.size() ? columns_.at(column) : nullptr;
 }
@@ -44,8 +46,8 @@ int ResultsTableItemModel::columnOf(const QString& identifier) const
 
 QVariant ResultsTableItemModel::data(const QModelIndex& index, int role) const
 {
-    const record_columns::RecordColumn* column = columnAt(index.column());
-    const ScanedResultInfo* record = table_.recordAt(index.row());
+    const scan::record_columns::RecordColumn* column = columnAt(index.column());
+    const scan::ScanedResultInfo* record = table_.recordAt(index.row());
     if (column == nullptr || record == nullptr || index.parent().isValid())
         return {};
     switch (role) {
@@ -82,7 +84,7 @@ bool ResultsTableItemModel::setData(const QModelIndex& index, const QVariant& va
 
 QVariant ResultsTableItemModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    const record_columns::RecordColumn* column = columnAt(section);
+    const scan::record_columns::RecordColumn* column = columnAt(section);
     if (orientation != Qt::Horizontal || column == nullptr)
         return QAbstractTableModel::headerData(section, orientation, role);
     switch (role) {
@@ -109,7 +111,7 @@ Qt::ItemFlags ResultsTableItemModel::flags(const QModelIndex& index) const
 
 void ResultsTableItemModel::sort(int column, Qt::SortOrder order)
 {
-    const record_columns::RecordColumn* sorted = columnAt(column);
+    const scan::record_columns::RecordColumn* sorted = columnAt(column);
     if (sorted == nullptr || !sorted->sorts())
         return;
     // Rows move, they are not replaced: views keep their selection and scroll position when
@@ -118,7 +120,7 @@ void ResultsTableItemModel::sort(int column, Qt::SortOrder order)
     const QModelIndexList before = persistentIndexList();
     QStringList bssids;
     for (const QModelIndex& index : before) {
-        const ScanedResultInfo* record = table_.recordAt(index.row());
+        const scan::ScanedResultInfo* record = table_.recordAt(index.row());
         bssids << (record != nullptr ? record->bssid : QString());
     }
     sorting_ = true;
@@ -139,10 +141,10 @@ void ResultsTableItemModel::sort(int column, Qt::SortOrder order)
     emit layoutChanged({}, QAbstractItemModel::VerticalSortHint);
 }
 
-QList<const record_columns::RecordColumn*> ResultsTableItemModel::visibleColumns() const
+QList<const scan::record_columns::RecordColumn*> ResultsTableItemModel::visibleColumns() const
 {
-    QList<const record_columns::RecordColumn*> shown;
-    for (const record_columns::RecordColumn& column : record_columns::all()) {
+    QList<const scan::record_columns::RecordColumn*> shown;
+    for (const scan::record_columns::RecordColumn& column : scan::record_columns::all()) {
         if (!table_.isColumnHidden(column.identifier))
             shown << &column;
     }
@@ -151,7 +153,7 @@ QList<const record_columns::RecordColumn*> ResultsTableItemModel::visibleColumns
 
 void ResultsTableItemModel::followVisibility()
 {
-    const QList<const record_columns::RecordColumn*> next = visibleColumns();
+    const QList<const scan::record_columns::RecordColumn*> next = visibleColumns();
     if (next == columns_)
         return;
     // A single toggle moves one column in or out; anything else (settings read again) resets.
@@ -183,3 +185,5 @@ void ResultsTableItemModel::followRows()
     beginResetModel();
     endResetModel();
 }
+
+} // namespace scanning

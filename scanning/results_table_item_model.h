@@ -6,6 +6,8 @@
 #include <QAbstractTableModel>
 #include <QList>
 
+namespace scanning {
+
 // The results table as a Qt item model built from the record column list, so a table view only
 // has to be given it. Rows, plot ticks, sorting state and column visibility stay in the
 // ResultsTableModel it binds to; this model follows that one and shows only its visible columns.
@@ -28,15 +30,17 @@ public:
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
     // The shown column at a position, nullptr outside them; the position of a shown column, or -1.
-    const record_columns::RecordColumn* columnAt(int column) const;
+    const scan::record_columns::RecordColumn* columnAt(int column) const;
     int columnOf(const QString& identifier) const;
 
 private:
-    QList<const record_columns::RecordColumn*> visibleColumns() const;
+    QList<const scan::record_columns::RecordColumn*> visibleColumns() const;
     void followVisibility();
     void followRows();
 
     ResultsTableModel& table_;
-    QList<const record_columns::RecordColumn*> columns_;
+    QList<const scan::record_columns::RecordColumn*> columns_;
     bool sorting_ = false;
 };
+
+} // namespace scanning

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+namespace scanning {
+
 ResultsTableModel::ResultsTableModel(core::UserSettings& settings, GraphSink* graph, QObject* parent)
     : QObject(parent), settings_(settings), graph_(graph)
 {
@@ -42,7 +44,7 @@ void ResultsTableModel::updateView(const std::shared_ptr<WiFiScanTest>& test)
     }
     if (graph_ != nullptr) {
         for (const QString& bssid : std::as_const(selectedBssids_)) {
-            const QList<ScanedResultInfo> history = historyOf(bssid);
+            const QList<scan::ScanedResultInfo> history = historyOf(bssid);
             if (history.isEmpty()) {
                 graph_->removePlotFromGraph(bssid);
             } else {
@@ -98,7 +100,7 @@ int ResultsTableModel::rowCount() const
     return currentTest_ == nullptr ? 0 : static_cast<int>(currentTest_->scanedData1.size());
 }
 
-const ScanedResultInfo* ResultsTableModel::recordAt(int row) const
+const scan::ScanedResultInfo* ResultsTableModel::recordAt(int row) const
 {
     if (row < 0 || row >= rowCount()) {
         return nullptr;
@@ -108,7 +110,7 @@ const ScanedResultInfo* ResultsTableModel::recordAt(int row) const
 
 bool ResultsTableModel::isRowChecked(int row) const
 {
-    const ScanedResultInfo* record = recordAt(row);
+    const scan::ScanedResultInfo* record = recordAt(row);
     return record != nullptr && selectedBssids_.contains(record->bssid);
 }
 
@@ -118,7 +120,7 @@ void ResultsTableModel::setSelectedRows(QList<int> rows)
     rows.erase(std::remove_if(rows.begin(), rows.end(), [count](int row) { return row < 0 || row >= count; }),
                rows.end());
     selectedRows_ = rows;
-    const ScanedResultInfo* record = recordAt(selectedRow());
+    const scan::ScanedResultInfo* record = recordAt(selectedRow());
     if (record == nullptr) {
         return;
     }
@@ -132,8 +134,8 @@ int ResultsTableModel::selectedRow() const { return selectedRows_.isEmpty() ? -1
 
 void ResultsTableModel::updateTableColumnsView()
 {
-    for (const record_columns::RecordColumn& column : record_columns::all()) {
-        const bool hidden = !record_columns::isShown(column, settings_);
+    for (const scan::record_columns::RecordColumn& column : scan::record_columns::all()) {
+        const bool hidden = !scan::record_columns::isShown(column, settings_);
         if (hidden != isColumnHidden(column.identifier)) {
             hiddenColumns_[column.identifier] = hidden;
             emit columnVisibilityChanged(column.identifier, hidden);
@@ -145,7 +147,7 @@ bool ResultsTableModel::isColumnHidden(const QString& identifier) const { return
 
 void ResultsTableModel::toggleColumn(const QString& identifier)
 {
-    const record_columns::RecordColumn* column = record_columns::find(identifier);
+    const scan::record_columns::RecordColumn* column = scan::record_columns::find(identifier);
     if (column == nullptr || column->visibilityKey.isEmpty()) {
         return;
     }
@@ -164,7 +166,7 @@ void ResultsTableModel::tableViewDidClickTableColumn(const QString& identifier)
         selectAllButtonClicked();
         return;
     }
-    const record_columns::RecordColumn* column = record_columns::find(identifier);
+    const scan::record_columns::RecordColumn* column = scan::record_columns::find(identifier);
     if (column == nullptr || !column->sorts()) {
         return;
     }
@@ -173,14 +175,14 @@ void ResultsTableModel::tableViewDidClickTableColumn(const QString& identifier)
 
 void ResultsTableModel::sortByColumn(const QString& identifier, bool ascending)
 {
-    const record_columns::RecordColumn* column = record_columns::find(identifier);
+    const scan::record_columns::RecordColumn* column = scan::record_columns::find(identifier);
     if (column == nullptr || !column->sorts()) {
         return;
     }
     lastIdentifier_ = identifier;
     sortAscending_ = ascending;
 
-    const ScanedResultInfo* selected = recordAt(selectedRow());
+    const scan::ScanedResultInfo* selected = recordAt(selectedRow());
     selectedBSSIDBeforeSort_ = selected != nullptr ? selected->bssid : QString();
     selectedBSSIDBeforeSortIndex_ = -1;
 
@@ -203,7 +205,7 @@ void ResultsTableModel::sortByColumn(const QString& identifier, bool ascending)
 
 bool ResultsTableModel::sortTableView(const QString& identifier, bool ascending)
 {
-    const record_columns::RecordColumn* column = record_columns::find(identifier);
+    const scan::record_columns::RecordColumn* column = scan::record_columns::find(identifier);
     if (column == nullptr || !column->sorts()) {
         qWarning().noquote() << QStringLiteral("unable to sort the table %1")
                                     .arg(QStringLiteral("'%1' is not a sortable column").arg(identifier));
@@ -212,7 +214,7 @@ bool ResultsTableModel::sortTableView(const QString& identifier, bool ascending)
     if (currentTest_ != nullptr) {
         auto& rows = currentTest_->scanedData1;
         // Stable, so rows that compare equal keep the database's order between scans.
-        std::stable_sort(rows.begin(), rows.end(), [&](const ScanedResultInfo& a, const ScanedResultInfo& b) {
+        std::stable_sort(rows.begin(), rows.end(), [&](const scan::ScanedResultInfo& a, const scan::ScanedResultInfo& b) {
             const int order = column->compare(a, b);
             return ascending ? order < 0 : order > 0;
         });
@@ -235,7 +237,7 @@ void ResultsTableModel::reverse()
 
 void ResultsTableModel::checkboxClicked(int row)
 {
-    const ScanedResultInfo* record = recordAt(row);
+    const scan::ScanedResultInfo* record = recordAt(row);
     if (record == nullptr) {
         return;
     }
@@ -276,7 +278,7 @@ void ResultsTableModel::selectAllButtonClicked()
         }
     }
     reloadTable();
-    const ScanedResultInfo* selected = recordAt(selectedRow());
+    const scan::ScanedResultInfo* selected = recordAt(selectedRow());
     if (shouldPlotAll_ && selected != nullptr && graph_ != nullptr) {
         graph_->highlightGraph(selected->bssid, *currentTest_);
     }
@@ -294,7 +296,7 @@ QString ResultsTableModel::copyRow()
         if (row >= rowCount()) {
             continue;
         }
-        ScanedResultInfo& record = currentTest_->scanedData1[row];
+        scan::ScanedResultInfo& record = currentTest_->scanedData1[row];
         record.exportType = QStringLiteral("csv");
         text += record.toString(settings_) + QLatin1Char('\n');
     }
@@ -311,7 +313,7 @@ void ResultsTableModel::saveBSSIDTag(const QString& bssid, const QString& tag)
     // Stored even when empty: an empty tag must override the one saved before.
     settings_.setValue(bssid, tag.isEmpty() ? QStringLiteral("") : tag);
     if (currentTest_ != nullptr) {
-        for (ScanedResultInfo& record : currentTest_->scanedData1) {
+        for (scan::ScanedResultInfo& record : currentTest_->scanedData1) {
             if (record.bssid == bssid) {
                 record.bssidTag = tag;
             }
@@ -324,7 +326,7 @@ void ResultsTableModel::didSavedBSSIDTagInfo() { reloadTable(); }
 
 QString ResultsTableModel::toolTip(const QString& identifier, int row) const
 {
-    const ScanedResultInfo* record = recordAt(row);
+    const scan::ScanedResultInfo* record = recordAt(row);
     if (record == nullptr || identifier != QLatin1String("join")) {
         return {};
     }
@@ -336,7 +338,7 @@ QString ResultsTableModel::toolTip(const QString& identifier, int row) const
 
 void ResultsTableModel::monitorSelected(const QString& identifier, int row)
 {
-    const ScanedResultInfo* record = recordAt(row);
+    const scan::ScanedResultInfo* record = recordAt(row);
     if (record == nullptr) {
         return;
     }
@@ -347,9 +349,9 @@ void ResultsTableModel::monitorSelected(const QString& identifier, int row)
     emit samplesWindowRequested(QStringLiteral("SSID: %1").arg(record->ssid), historyOf(record->bssid));
 }
 
-QList<ScanedResultInfo> ResultsTableModel::historyOf(const QString& bssid) const
+QList<scan::ScanedResultInfo> ResultsTableModel::historyOf(const QString& bssid) const
 {
-    return currentTest_ == nullptr ? QList<ScanedResultInfo>() : currentTest_->scanedResults.value(bssid);
+    return currentTest_ == nullptr ? QList<scan::ScanedResultInfo>() : currentTest_->scanedResults.value(bssid);
 }
 
 void ResultsTableModel::removeAllPlotsFromGraph()
@@ -381,3 +383,5 @@ void ResultsTableModel::reloadTable()
                         selectedRows_.end());
     emit tableReloaded();
 }
+
+} // namespace scanning

@@ -12,6 +12,8 @@
 
 #include <memory>
 
+namespace scanning {
+
 class GraphSink;
 
 // The results table of the shown scan test without its widgets: rows and their order, column
@@ -44,7 +46,7 @@ public:
 
     int rowCount() const;
     // nullptr outside the rows.
-    const ScanedResultInfo* recordAt(int row) const;
+    const scan::ScanedResultInfo* recordAt(int row) const;
     bool isRowChecked(int row) const;
 
     // Row selection in the table (not the plot ticks); selecting a row emphasises its curve.
@@ -94,10 +96,10 @@ signals:
     void headerCheckboxChanged(bool on);
     void columnVisibilityChanged(const QString& identifier, bool hidden);
     void bssidTagWindowRequested(const QString& bssid, const QString& currentTag);
-    void samplesWindowRequested(const QString& header, const QList<ScanedResultInfo>& history);
+    void samplesWindowRequested(const QString& header, const QList<scan::ScanedResultInfo>& history);
 
 private:
-    QList<ScanedResultInfo> historyOf(const QString& bssid) const;
+    QList<scan::ScanedResultInfo> historyOf(const QString& bssid) const;
     void addSelectedBssids(const QStringList& bssids);
     void removeAllPlotsFromGraph();
     void reloadTable();
@@ -115,3 +117,5 @@ private:
     QString lastSelectedBSSID_;
     QHash<QString, bool> hiddenColumns_;
 };
+
+} // namespace scanning

@@ -12,6 +12,8 @@
 
 #include <cmath>
 
+namespace scanning {
+
 namespace {
 
 const QString shippedDatabase = QStringLiteral(":/Database.sqlite");
@@ -96,10 +98,10 @@ std::optional<int> lastCountStepped(sqlite3* db, const SqlCondition& query, cons
     return count;
 }
 
-StoredObservation readRow(const scandb::Statement& statement)
+scan::StoredObservation readRow(const scandb::Statement& statement)
 {
     sqlite3_stmt* s = statement.get();
-    StoredObservation row;
+    scan::StoredObservation row;
     row.bssid = statement.columnText(0);
     row.ssid = statement.columnText(1);
     row.originalChannel = sqlite3_column_int(s, 2);
@@ -222,7 +224,7 @@ bool ScanDatabase::deleteAll()
     return true;
 }
 
-std::optional<QList<StoredObservation>> ScanDatabase::readForDisplay(const SqlCondition& filter,
+std::optional<QList<scan::StoredObservation>> ScanDatabase::readForDisplay(const SqlCondition& filter,
                                                                      const QString& activeBssid, bool merge)
 {
     const bool filtered = !filter.isEmpty();
@@ -246,7 +248,7 @@ std::optional<QList<StoredObservation>> ScanDatabase::readForDisplay(const SqlCo
         statement.bindAll(filter.values);
         statement.bindText(static_cast<int>(filter.values.size()) + 1, activeBssid);
     }
-    QList<StoredObservation> rows;
+    QList<scan::StoredObservation> rows;
     int status = SQLITE_ROW;
     while ((status = statement.step()) == SQLITE_ROW)
         rows.append(readRow(statement));
@@ -285,3 +287,5 @@ void ScanDatabase::update24MhzNetworkCountsForSummaryWindow(core::UserSettings& 
     if (count)
         settings.setValue(QStringLiteral("TOTAL_24MHZ_NETWORKS"), QString::asprintf("%d", *count));
 }
+
+} // namespace scanning

@@ -13,6 +13,8 @@
 
 struct sqlite3;
 
+namespace scanning {
+
 // One observation as it is written to wifi_scan_data: the thirteen columns in table order.
 // Text columns hold what the current or the oldest interface generation stores (see
 // ObservationRow::fromScanResult).
@@ -72,7 +74,7 @@ public:
     bool storeScan(const QList<ObservationRow>& rows, bool merge);
     // Rows to show, in query order; std::nullopt when the statement failed (the caller keeps
     // its previous rows). The filter's values are bound; so is the associated BSSID.
-    std::optional<QList<StoredObservation>> readForDisplay(const SqlCondition& filter, const QString& activeBssid,
+    std::optional<QList<scan::StoredObservation>> readForDisplay(const SqlCondition& filter, const QString& activeBssid,
                                                            bool merge);
     // The merged count query's value; std::nullopt when it failed.
     std::optional<int> matchCount(const SqlCondition& filter, const QString& activeBssid);
@@ -86,3 +88,5 @@ private:
     struct Impl;
     std::unique_ptr<Impl> impl_;
 };
+
+} // namespace scanning

@@ -9,6 +9,8 @@
 
 struct sqlite3;
 
+namespace scanning {
+
 namespace scandb {
 class Statement;
 // Binds the thirteen columns of the insert, in table order.
@@ -26,3 +28,5 @@ struct ScanDatabase::Impl {
     // The delete by name relies on it; without it that delete fails in every form.
     bool doubleQuotedTextIsLiteral = false;
 };
+
+} // namespace scanning

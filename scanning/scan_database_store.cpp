@@ -8,6 +8,8 @@
 
 #include <memory>
 
+namespace scanning {
+
 namespace {
 
 const QString insertText = QStringLiteral(
@@ -189,3 +191,5 @@ bool ScanDatabase::storeScan(const QList<ObservationRow>& rows, bool merge)
         impl_->lastError = failure;
     return failure.isEmpty();
 }
+
+} // namespace scanning

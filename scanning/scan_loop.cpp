@@ -4,6 +4,8 @@
 
 #include <exception>
 
+namespace scanning {
+
 ScanLoop::ScanLoop(std::shared_ptr<platform::WirelessInterface> interface, TimerSource& timers, QObject* parent)
     : QObject(parent), interface_(std::move(interface)), timers_(timers)
 {
@@ -143,3 +145,5 @@ void ScanLoop::performScanningInBackground()
         scanInProgress_ = false;
     }
 }
+
+} // namespace scanning

@@ -14,6 +14,8 @@
 #include <functional>
 #include <memory>
 
+namespace scanning {
+
 // The periodic scan: the scan timer with pause and resume, one platform scan at a time on a
 // background thread (a tick while one is in flight is dropped), the fallback to cached results,
 // and the run of failures that decides when a failure is shown. Lives on its owner's thread.
@@ -69,3 +71,5 @@ private:
     // Declared last: destroyed first, after every task that reaches the members above ended.
     BackgroundWork work_;
 };
+
+} // namespace scanning

@@ -11,6 +11,8 @@
 #include <exception>
 #include <execinfo.h>
 
+namespace scanning {
+
 namespace {
 
 QString callStack()
@@ -56,7 +58,7 @@ ScanProcessor::Result ScanProcessor::process(WiFiScanTest& test, const QList<pla
 {
     const bool merge = core::settingIsOn(settings_.value(QStringLiteral("mergeScanResults")));
     const platform::InterfaceSnapshot link = interface_->snapshot();
-    const QString activeBSSID = link.bssid.isEmpty() ? QString() : ScannerUtils::normalizeMAC(link.bssid);
+    const QString activeBSSID = link.bssid.isEmpty() ? QString() : scan::ScannerUtils::normalizeMAC(link.bssid);
     test.activeBSSID = activeBSSID;
     const QDateTime now = clock_.now();
     const double secondsSince1970 = static_cast<double>(now.toMSecsSinceEpoch()) / 1000.0;
@@ -65,7 +67,7 @@ ScanProcessor::Result ScanProcessor::process(WiFiScanTest& test, const QList<pla
     QList<ObservationRow> rows;
     rows.reserve(networks.size());
     for (const platform::ScanResult& network : networks) {
-        const QString bssid = ScannerUtils::normalizeMAC(network.bssid);
+        const QString bssid = scan::ScannerUtils::normalizeMAC(network.bssid);
         bssidToCWNetworkMapping_.insert(bssid, std::make_shared<const platform::ScanResult>(network));
         scanReportedActive = scanReportedActive || (!activeBSSID.isEmpty() && bssid == activeBSSID);
         rows.append(ObservationRow::fromScanResult(network, channelInfo_.channelTextFor(bssid, network.channelNumber),
@@ -80,16 +82,16 @@ ScanProcessor::Result ScanProcessor::process(WiFiScanTest& test, const QList<pla
     const std::optional<int> matchCount = merge ? database_.matchCount(filter_.condition, activeBSSID) : std::nullopt;
     // A read that failed leaves the previous rows standing rather than emptying the table.
     if (stored) {
-        const QList<ScanedResultInfo> records = recordsFromRows(*stored);
-        for (const ScanedResultInfo& record : records)
+        const QList<scan::ScanedResultInfo> records = recordsFromRows(*stored);
+        for (const scan::ScanedResultInfo& record : records)
             test.addSample(record, refreshIntervalSeconds, now);
         test.scanedData1 = records;
 
-        const bool activeShown = std::any_of(records.cbegin(), records.cend(), [&](const ScanedResultInfo& record) {
+        const bool activeShown = std::any_of(records.cbegin(), records.cend(), [&](const scan::ScanedResultInfo& record) {
             return record.bssid == activeBSSID;
         });
         if (!activeBSSID.isEmpty() && !activeShown) {
-            const ScanedResultInfo connected = connectedNetworkRecord(link, test, now);
+            const scan::ScanedResultInfo connected = connectedNetworkRecord(link, test, now);
             test.scanedData1.append(connected);
             test.addSample(connected, refreshIntervalSeconds, now);
             if (!scanReportedActive)
@@ -100,12 +102,12 @@ ScanProcessor::Result ScanProcessor::process(WiFiScanTest& test, const QList<pla
     return Result::Processed;
 }
 
-QList<ScanedResultInfo> ScanProcessor::recordsFromRows(const QList<StoredObservation>& rows)
+QList<scan::ScanedResultInfo> ScanProcessor::recordsFromRows(const QList<scan::StoredObservation>& rows)
 {
-    QList<ScanedResultInfo> records;
+    QList<scan::ScanedResultInfo> records;
     records.reserve(rows.size());
-    for (const StoredObservation& row : rows) {
-        ScanedResultInfo record = buildRecord(row, bssidToCWNetworkMapping_.value(row.bssid), interface_->generation(),
+    for (const scan::StoredObservation& row : rows) {
+        scan::ScanedResultInfo record = scan::buildRecord(row, bssidToCWNetworkMapping_.value(row.bssid), interface_->generation(),
                                               settings_, &channelInfo_.bssidSecurityTypeMapping());
         rememberAccessPointName(record);
         filter_.addSSID(record.ssid);
@@ -115,9 +117,9 @@ QList<ScanedResultInfo> ScanProcessor::recordsFromRows(const QList<StoredObserva
     return records;
 }
 
-void ScanProcessor::rememberAccessPointName(const ScanedResultInfo& record)
+void ScanProcessor::rememberAccessPointName(const scan::ScanedResultInfo& record)
 {
-    if (!ScannerUtils::hasValue(record.apname))
+    if (!scan::ScannerUtils::hasValue(record.apname))
         return;
     const auto saved = savedAccessPointNames_.constFind(record.bssid);
     if (saved != savedAccessPointNames_.cend() && *saved == record.apname)
@@ -126,12 +128,12 @@ void ScanProcessor::rememberAccessPointName(const ScanedResultInfo& record)
     settings_.setValue(record.bssid + QStringLiteral("-apname"), record.apname);
 }
 
-ScanedResultInfo ScanProcessor::connectedNetworkRecord(const platform::InterfaceSnapshot& link,
+scan::ScanedResultInfo ScanProcessor::connectedNetworkRecord(const platform::InterfaceSnapshot& link,
                                                        const WiFiScanTest& test, const QDateTime& now) const
 {
-    const QString bssid = ScannerUtils::normalizeMAC(link.bssid);
-    const QList<ScanedResultInfo> history = test.scanedResults.value(bssid);
-    ScanedResultInfo record = history.size() >= 2 ? history.first().copy() : ScanedResultInfo();
+    const QString bssid = scan::ScannerUtils::normalizeMAC(link.bssid);
+    const QList<scan::ScanedResultInfo> history = test.scanedResults.value(bssid);
+    scan::ScanedResultInfo record = history.size() >= 2 ? history.first().copy() : scan::ScanedResultInfo();
     record.bssid = bssid;
     record.ssid = link.ssid;
     record.rssi = link.rssiValue;
@@ -140,7 +142,7 @@ ScanedResultInfo ScanProcessor::connectedNetworkRecord(const platform::Interface
     record.phyMode = link.activePHYMode;
     record.securityMode = link.security;
     record.securityModeString = channelInfo_.bssidSecurityTypeMapping().value(
-        bssid, ScannerUtils::stringForSecurityMode(link.security, interface_->generation()));
+        bssid, scan::ScannerUtils::stringForSecurityMode(link.security, interface_->generation()));
     if (link.wlanChannel) {
         record.originalChannel = link.wlanChannel->channelNumber;
         record.channel = QString::number(link.wlanChannel->channelNumber);
@@ -150,9 +152,9 @@ ScanedResultInfo ScanProcessor::connectedNetworkRecord(const platform::Interface
     record.cc = link.countryCode;
     record.lastSeen = now;
     record.network = bssidToCWNetworkMapping_.value(bssid);
-    record.vendorName = ScannerUtils::vendorNameForMAC(bssid);
+    record.vendorName = scan::ScannerUtils::vendorNameForMAC(bssid);
     const QString tag = settings_.value(bssid).toString();
-    record.bssidTag = ScannerUtils::hasValue(tag) ? tag : QStringLiteral("");
+    record.bssidTag = scan::ScannerUtils::hasValue(tag) ? tag : QStringLiteral("");
     return record;
 }
 
@@ -166,3 +168,5 @@ void ScanProcessor::updateCountLabel(int shown, bool merge, std::optional<int> m
         countLabel_ = QStringLiteral("%1 of %2 shown").arg(shown).arg(totalRecords_);
     }
 }
+
+} // namespace scanning

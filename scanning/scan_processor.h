@@ -14,6 +14,8 @@
 #include <memory>
 #include <optional>
 
+namespace scanning {
+
 // One scan's networks into the newest test: stored as observations, read back through the
 // filter, turned into records with their histories, and the count label. Runs on the thread
 // that owns the database.
@@ -39,10 +41,10 @@ public:
 
 private:
     Result process(WiFiScanTest& test, const QList<platform::ScanResult>& networks, int refreshIntervalSeconds);
-    QList<ScanedResultInfo> recordsFromRows(const QList<StoredObservation>& rows);
+    QList<scan::ScanedResultInfo> recordsFromRows(const QList<scan::StoredObservation>& rows);
     // Keeps a beacon's AP name as the "<BSSID>-apname" setting; written once per BSSID and name.
-    void rememberAccessPointName(const ScanedResultInfo& record);
-    ScanedResultInfo connectedNetworkRecord(const platform::InterfaceSnapshot& link, const WiFiScanTest& test,
+    void rememberAccessPointName(const scan::ScanedResultInfo& record);
+    scan::ScanedResultInfo connectedNetworkRecord(const platform::InterfaceSnapshot& link, const WiFiScanTest& test,
                                             const QDateTime& now) const;
     void updateCountLabel(int shown, bool merge, std::optional<int> matchCount);
 
@@ -57,3 +59,5 @@ private:
     int totalRecords_ = 0;
     QString countLabel_;
 };
+
+} // namespace scanning

@@ -6,6 +6,8 @@
 
 #include <memory>
 
+namespace scanning {
+
 // What the scan driver tells the results view: which test it shows, when a scan test starts
 // and stops, and that the current test has new rows. The view owns the plot selection; the
 // driver reads it back when the user picks another test.
@@ -24,3 +26,5 @@ public:
     virtual void setSelectedBssids(const QStringList& bssids) = 0;
     virtual bool shouldPlotAll() const = 0;
 };
+
+} // namespace scanning

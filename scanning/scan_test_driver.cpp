@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <chrono>
 
+namespace scanning {
+
 namespace {
 
 const QString startTitle = QStringLiteral("Start Scan");
@@ -146,3 +148,5 @@ void ScanTestDriver::reportDatabaseFailure()
     const QString reason = database_.isOpen() ? database_.lastError() : database_.openError();
     emit databaseFailed(QStringLiteral("the scan database %1 cannot be used: %2").arg(database_.path(), reason));
 }
+
+} // namespace scanning

@@ -18,6 +18,8 @@
 #include <memory>
 #include <optional>
 
+namespace scanning {
+
 // The scanner tab without its widgets, under the names the views bind to: the run button's
 // states, the interval selector and the filter bar's condition, over the scan loop, the test
 // list, the scan processing and the channel-information refresher. Lives on one thread (the
@@ -67,7 +69,7 @@ public:
     const QStringList& allSSIDs() const { return filter_.allSSIDs; }
     const QStringList& allChannels() const { return filter_.allChannels; }
     QString channelInfoCommand() const { return channels_.channelInfoCommand(); }
-    std::optional<ScanedResultInfo> getConnectedNetworkDetails() const { return tests_.getConnectedNetworkDetails(); }
+    std::optional<scan::ScanedResultInfo> getConnectedNetworkDetails() const { return tests_.getConnectedNetworkDetails(); }
     std::optional<QList<QVariantMap>> executeAirportCommandForXML() { return channels_.executeAirportCommandForXML(); }
 
     const ScanLoop& scanLoop() const { return loop_; }
@@ -139,3 +141,5 @@ private:
     // Declared last: destroyed first, so no scan reaches the parts above once they are gone.
     ScanLoop loop_;
 };
+
+} // namespace scanning

@@ -2,6 +2,8 @@
 
 #include "scanning/log_category.h"
 
+namespace scanning {
+
 std::shared_ptr<WiFiScanTest> ScanTestList::startTest(int refreshIntervalSeconds)
 {
     auto test = std::make_shared<WiFiScanTest>();
@@ -31,7 +33,7 @@ void ScanTestList::stopNewest()
     emit testListChanged();
 }
 
-std::optional<ScanedResultInfo> ScanTestList::getConnectedNetworkDetails() const
+std::optional<scan::ScanedResultInfo> ScanTestList::getConnectedNetworkDetails() const
 {
     if (tests_.isEmpty())
         return std::nullopt;
@@ -98,3 +100,5 @@ void ScanTestList::removeTest(int row)
     tests_.removeAt(row);
     emit testListChanged();
 }
+
+} // namespace scanning

@@ -11,6 +11,8 @@
 #include <memory>
 #include <optional>
 
+namespace scanning {
+
 // The list of scan tests, newest first (the newest is the one scanned into), and what the user
 // does with it: pick a test to show, rename one, delete one.
 class ScanTestList : public QObject {
@@ -38,7 +40,7 @@ public:
     // The newest test stops running; an untouched label becomes "Scanned".
     void stopNewest();
     // The newest record of the connected network in the newest test, if any.
-    std::optional<ScanedResultInfo> getConnectedNetworkDetails() const;
+    std::optional<scan::ScanedResultInfo> getConnectedNetworkDetails() const;
 
     void tableViewSelectionDidChange(int row);
     void renameTest(int row, const QString& label);
@@ -54,3 +56,5 @@ private:
     ScanResultsListener* listener_ = nullptr;
     Confirmation confirmation_;
 };
+
+} // namespace scanning

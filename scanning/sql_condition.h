@@ -4,6 +4,8 @@
 #include <QVariant>
 #include <QVariantList>
 
+namespace scanning {
+
 // A WHERE condition and the values for its "?" placeholders. The values never become part of
 // the text, so nothing a user types can change what the statement means.
 struct SqlCondition {
@@ -20,3 +22,5 @@ struct SqlCondition {
     QString text;
     QVariantList values;
 };
+
+} // namespace scanning

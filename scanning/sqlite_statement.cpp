@@ -1,5 +1,7 @@
 #include "scanning/sqlite_statement.h"
 
+namespace scanning {
+
 namespace scandb {
 
 Statement::Statement(sqlite3* db, const QString& text)
@@ -54,3 +56,5 @@ int runOnce(sqlite3* db, const QString& text)
 }
 
 } // namespace scandb
+
+} // namespace scanning

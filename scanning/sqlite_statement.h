@@ -7,6 +7,8 @@
 
 #include <sqlite3.h>
 
+namespace scanning {
+
 // A prepared SQLite statement that finalises itself, plus the text helpers every database
 // operation shares. Private to the scan database.
 namespace scandb {
@@ -45,3 +47,5 @@ QString errorMessage(sqlite3* db);
 int runOnce(sqlite3* db, const QString& text);
 
 } // namespace scandb
+
+} // namespace scanning

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <limits>
 
+namespace scanning {
+
 namespace {
 
 class QtTimer : public Timer {
@@ -102,3 +104,5 @@ std::unique_ptr<Timer> QtTimerSource::scheduledTimer(std::chrono::milliseconds i
 {
     return std::make_unique<QtTimer>(clock_, interval, repeats, std::move(action));
 }
+
+} // namespace scanning

@@ -12,6 +12,8 @@
 // distant future and a resume can put back the wait that was left. The real source runs on
 // the Qt event loop; tests use a fake one that fires only when they move their clock.
 
+namespace scanning {
+
 // One scheduled timer. Destroying it invalidates it.
 class Timer {
 public:
@@ -49,3 +51,5 @@ public:
 private:
     const platform::Clock& clock_;
 };
+
+} // namespace scanning

@@ -1,10 +1,12 @@
 #include "scanning/wifi_scan_test.h"
 
-bool WiFiScanTest::addSample(const ScanedResultInfo& record, int intervalSeconds, const QDateTime& now)
+namespace scanning {
+
+bool WiFiScanTest::addSample(const scan::ScanedResultInfo& record, int intervalSeconds, const QDateTime& now)
 {
     auto history = scanedResults.find(record.bssid);
     if (history == scanedResults.end()) {
-        ScanedResultInfo first = record;
+        scan::ScanedResultInfo first = record;
         first.isSelected = 0;
         scanedResults.insert(record.bssid, {first});
         return true;
@@ -20,3 +22,5 @@ bool WiFiScanTest::addSample(const ScanedResultInfo& record, int intervalSeconds
     }
     return true;
 }
+
+} // namespace scanning

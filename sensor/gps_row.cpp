@@ -22,7 +22,7 @@ QString gpsRow(const GpsFix& fix, const std::optional<platform::InterfaceSnapsho
                core::InterfaceGeneration generation)
 {
     const QString time =
-        fix.date.isValid() ? ScannerUtils::formatDate(QStringLiteral("MM-dd-YYYY hh:mm:ss"), fix.date) : QString();
+        fix.date.isValid() ? scan::ScannerUtils::formatDate(QStringLiteral("MM-dd-YYYY hh:mm:ss"), fix.date) : QString();
     const QString bssid = link ? core::csvCell(link->bssid) : QString();
     const QString ssid = link ? core::csvCell(link->ssid) : QString();
     // The widths of "%3.5f" and "%3.1f" never pad: one decimal alone already makes three characters.

@@ -100,7 +100,7 @@ std::optional<SensorLine> parseSensorLine(const QString& line)
     } else {
         // Whole milliseconds carry the full resolution; no floating-point division needed.
         parsed.date = QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(milliseconds));
-        parsed.timeText = ScannerUtils::formatDate(QStringLiteral("MM-dd-YYYY hh:mm:ss.SSSS"), parsed.date);
+        parsed.timeText = scan::ScannerUtils::formatDate(QStringLiteral("MM-dd-YYYY hh:mm:ss.SSSS"), parsed.date);
     }
     parsed.sensorId = leadingInt(fields.at(1));
     fields.remove(0, 2);

@@ -106,7 +106,7 @@ std::optional<QString> appendTail(const QString& path, const QByteArray& bytes, 
 QString SensorLogFile::logFileNameForLaunch(const QDateTime& launchTime)
 {
     return QStringLiteral("/skyvane_%1.csv")
-        .arg(ScannerUtils::formatDate(QStringLiteral("MM_dd_YYYY_hh_mm_ss"), launchTime));
+        .arg(scan::ScannerUtils::formatDate(QStringLiteral("MM_dd_YYYY_hh_mm_ss"), launchTime));
 }
 
 QString SensorLogFile::numberedFileName(const QString& logFileName, int attempt)

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace testsupport {
+
 struct FakeTimerSource::TimerState {
     QDateTime fireDate;
     std::chrono::milliseconds interval{0};
@@ -12,7 +14,7 @@ struct FakeTimerSource::TimerState {
 
 namespace {
 
-class FakeTimer : public Timer {
+class FakeTimer : public scanning::Timer {
 public:
     explicit FakeTimer(std::shared_ptr<FakeTimerSource::TimerState> state) : state_(std::move(state)) {}
     ~FakeTimer() override { state_->valid = false; }
@@ -30,14 +32,14 @@ private:
 
 } // namespace
 
-FakeTimerSource::FakeTimerSource(platform::ManualClock& clock) : clock_(clock) {}
+FakeTimerSource::FakeTimerSource(testsupport::ManualClock& clock) : clock_(clock) {}
 
 QDateTime FakeTimerSource::now() const
 {
     return clock_.now();
 }
 
-std::unique_ptr<Timer> FakeTimerSource::scheduledTimer(std::chrono::milliseconds interval, bool repeats,
+std::unique_ptr<scanning::Timer> FakeTimerSource::scheduledTimer(std::chrono::milliseconds interval, bool repeats,
                                                        std::function<void()> action)
 {
     auto state = std::make_shared<TimerState>();
@@ -68,7 +70,7 @@ void FakeTimerSource::advance(std::chrono::milliseconds by)
         if (clock_.now() < due->fireDate)
             clock_.advance(std::chrono::milliseconds(clock_.now().msecsTo(due->fireDate)));
         if (due->repeats)
-            due->fireDate = TimerSource::nextFireAfter(due->fireDate, due->interval, clock_.now());
+            due->fireDate = scanning::TimerSource::nextFireAfter(due->fireDate, due->interval, clock_.now());
         else
             due->valid = false;
         const std::function<void()> action = due->action;
@@ -85,3 +87,5 @@ int FakeTimerSource::activeTimerCount() const
         return state && state->valid && state->fireDate < distantFuture();
     }));
 }
+
+} // namespace testsupport

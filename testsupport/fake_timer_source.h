@@ -6,12 +6,14 @@
 #include <memory>
 #include <vector>
 
+namespace testsupport {
+
 // Fires its timers, in date order, only inside advance(), moving the clock to each fire date.
-class FakeTimerSource : public TimerSource {
+class FakeTimerSource : public scanning::TimerSource {
 public:
-    explicit FakeTimerSource(platform::ManualClock& clock);
+    explicit FakeTimerSource(testsupport::ManualClock& clock);
     QDateTime now() const override;
-    std::unique_ptr<Timer> scheduledTimer(std::chrono::milliseconds interval, bool repeats,
+    std::unique_ptr<scanning::Timer> scheduledTimer(std::chrono::milliseconds interval, bool repeats,
                                           std::function<void()> action) override;
     void advance(std::chrono::milliseconds by);
     int activeTimerCount() const;
@@ -19,6 +21,8 @@ public:
     struct TimerState;
 
 private:
-    platform::ManualClock& clock_;
+    testsupport::ManualClock& clock_;
     std::vector<std::weak_ptr<TimerState>> timers_;
 };
+
+} // namespace testsupport

@@ -7,12 +7,14 @@
 #include <QSet>
 #include <QStringList>
 
+namespace testsupport {
+
 namespace literal_scan_store {
 namespace {
 
 void deletePredecessor(sqlite3* db, const QString& text)
 {
-    scandb::Statement statement(db, text);
+    scanning::scandb::Statement statement(db, text);
     if (!statement.isPrepared()) {
         qCInfo(lcScanning).noquote() << QStringLiteral("Error while deleting old scanned data '%1'").arg(statement.prepareError());
         return;
@@ -22,12 +24,12 @@ void deletePredecessor(sqlite3* db, const QString& text)
 
 } // namespace
 
-void storeScan(ScanDatabase& database, const QList<ObservationRow>& rows, bool merge)
+void storeScan(scanning::ScanDatabase& database, const QList<scanning::ObservationRow>& rows, bool merge)
 {
     sqlite3* db = database.handle();
     QSet<QString> deletedNames;
-    for (const ObservationRow& row : rows) {
-        scandb::Statement insert(db, QStringLiteral(
+    for (const scanning::ObservationRow& row : rows) {
+        scanning::scandb::Statement insert(db, QStringLiteral(
             "INSERT INTO wifi_scan_data (originalChannel,channel,phyMode,rssi,noise,ssid,bssid,singnalToNoise,securityMode,ibss,lastSeen,channelBond,normalized_ssid) "
             "VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?)"));
         if (!insert.isPrepared())
@@ -42,24 +44,26 @@ void storeScan(ScanDatabase& database, const QList<ObservationRow>& rows, bool m
             qCInfo(lcScanning).noquote() << QStringLiteral("Here i got a hidden ssid with bssid as %1").arg(row.bssid);
         if (!insert.isPrepared())
             continue;
-        scandb::bindObservation(insert, row);
+        scanning::scandb::bindObservation(insert, row);
         if (insert.step() != SQLITE_DONE)
-            qCInfo(lcScanning).noquote() << QStringLiteral("Error while saving scan result info. '%1'").arg(scandb::errorMessage(db));
+            qCInfo(lcScanning).noquote() << QStringLiteral("Error while saving scan result info. '%1'").arg(scanning::scandb::errorMessage(db));
     }
 }
 
-void dropIndexes(ScanDatabase& database)
+void dropIndexes(scanning::ScanDatabase& database)
 {
     sqlite3* db = database.handle();
     QStringList names;
     {
-        scandb::Statement indexes(db, QStringLiteral(
+        scanning::scandb::Statement indexes(db, QStringLiteral(
             "SELECT name FROM sqlite_master WHERE type='index' AND tbl_name='wifi_scan_data' AND sql IS NOT NULL"));
         while (indexes.isPrepared() && indexes.step() == SQLITE_ROW)
             names.append(indexes.columnText(0));
     }
     for (const QString& name : names)
-        scandb::runOnce(db, QStringLiteral("DROP INDEX \"%1\"").arg(name));
+        scanning::scandb::runOnce(db, QStringLiteral("DROP INDEX \"%1\"").arg(name));
 }
 
 } // namespace literal_scan_store
+
+} // namespace testsupport

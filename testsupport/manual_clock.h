@@ -5,10 +5,10 @@
 #include <chrono>
 #include <mutex>
 
-namespace platform {
+namespace testsupport {
 
 // Time that moves only when told to; thread-safe.
-class ManualClock : public Clock {
+class ManualClock : public platform::Clock {
 public:
     explicit ManualClock(QDateTime start) : now_(std::move(start)) {}
     QDateTime now() const override
@@ -27,4 +27,4 @@ private:
     QDateTime now_;
 };
 
-} // namespace platform
+} // namespace testsupport

@@ -42,12 +42,12 @@ std::optional<Backend> chooseBackend(const BackendOptions& options, QString* err
 {
     if (!options.captureFile.isEmpty()) {
         QString reason;
-        auto replay = capture::CaptureReplayInterface::open(options.captureFile, &reason);
+        auto replay = platform::capture::CaptureReplayInterface::open(options.captureFile, &reason);
         if (!replay) {
             *error = QStringLiteral("cannot replay %1: %2").arg(options.captureFile, reason);
             return std::nullopt;
         }
-        return withOnlyInterface(std::make_shared<capture::CaptureReplayClient>(std::move(replay)),
+        return withOnlyInterface(std::make_shared<platform::capture::CaptureReplayClient>(std::move(replay)),
                                  options.interfaceName, QStringLiteral("The replayed capture"), error);
     }
     if (options.simulate)

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace cli {
+namespace app::cli {
 
 bool matchesOption(const QString& argument, const QString& name)
 {
@@ -122,4 +122,4 @@ std::optional<app::Backend> openBackend(const app::BackendOptions& options, std:
     return backend;
 }
 
-} // namespace cli
+} // namespace app::cli

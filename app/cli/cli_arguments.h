@@ -9,7 +9,7 @@
 #include <optional>
 
 // Reading skyvane-cli's options and writing its output, shared by all its commands.
-namespace cli {
+namespace app::cli {
 
 // True when argument is "--name" or "--name=VALUE".
 bool matchesOption(const QString& argument, const QString& name);
@@ -39,4 +39,4 @@ void writeBytes(std::FILE* stream, const QByteArray& bytes);
 // the user must always be able to tell what they are looking at.
 std::optional<app::Backend> openBackend(const app::BackendOptions& options, std::FILE* err, bool reportStatus = true);
 
-} // namespace cli
+} // namespace app::cli

@@ -10,7 +10,7 @@
 
 #include <memory>
 
-namespace cli {
+namespace app::cli {
 namespace {
 
 void reportFailure(std::FILE* err, const QString& path, const QString& reason)
@@ -18,15 +18,15 @@ void reportFailure(std::FILE* err, const QString& path, const QString& reason)
     std::fprintf(err, "skyvane-cli: %s: %s\n", path.toLocal8Bit().constData(), reason.toUtf8().constData());
 }
 
-void writeFrame(JsonWriter& json, std::int64_t frameNumber, const RawBssFacts& facts, const QDateTime& seen)
+void writeFrame(JsonWriter& json, std::int64_t frameNumber, const scan::RawBssFacts& facts, const QDateTime& seen)
 {
-    const platform::ScanResult scanned = deriveScanResult(facts);
+    const platform::ScanResult scanned = scan::deriveScanResult(facts);
     // The record dies before this frame ends, so it can view the result without owning it;
     // a shared copy per frame would be an allocation spent on nothing.
     const std::shared_ptr<const platform::ScanResult> network(std::shared_ptr<void>(), &scanned);
     // Decoding reads nothing of the user's: no tags, no stored names.
     static const core::MemorySettings noUserSettings;
-    ScanedResultInfo record = buildRecord(observationFromScanResult(scanned, seen, core::InterfaceGeneration::Later),
+    scan::ScanedResultInfo record = scan::buildRecord(scan::observationFromScanResult(scanned, seen, core::InterfaceGeneration::Later),
                                           network, core::InterfaceGeneration::Later, noUserSettings);
     // Fills the rate list with the HT/VHT rates before it is printed.
     const QString maxDataRate = record.getMaxDataRate();
@@ -67,7 +67,7 @@ void writeFrame(JsonWriter& json, std::int64_t frameNumber, const RawBssFacts& f
 int decodeCapture(const QString& path, std::FILE* out, std::FILE* err)
 {
     QString error;
-    const std::unique_ptr<capture::CaptureReader> reader = capture::CaptureReader::open(path, &error);
+    const std::unique_ptr<platform::capture::CaptureReader> reader = platform::capture::CaptureReader::open(path, &error);
     if (!reader) {
         reportFailure(err, path, error);
         return 1;
@@ -76,12 +76,12 @@ int decodeCapture(const QString& path, std::FILE* out, std::FILE* err)
     // The reader hands over no capture times and lastSeen is not printed, so one "now" serves all.
     const QDateTime seen = QDateTime::currentDateTime();
     JsonWriter json(out);
-    capture::BeaconFrame frame;
+    platform::capture::BeaconFrame frame;
     for (;;) {
-        const capture::ReadStatus status = reader->next(frame);
-        if (status == capture::ReadStatus::End)
+        const platform::capture::ReadStatus status = reader->next(frame);
+        if (status == platform::capture::ReadStatus::End)
             break;
-        if (status == capture::ReadStatus::Error) {
+        if (status == platform::capture::ReadStatus::Error) {
             json.flush();
             reportFailure(err, path, reader->errorString());
             return 1;
@@ -95,4 +95,4 @@ int decodeCapture(const QString& path, std::FILE* out, std::FILE* err)
     return 0;
 }
 
-} // namespace cli
+} // namespace app::cli

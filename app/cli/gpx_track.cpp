@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-namespace cli {
+namespace app::cli {
 namespace {
 
 std::optional<double> number(QStringView text, double limit)
@@ -93,4 +93,4 @@ std::optional<QList<GpxPoint>> readGpxTrack(QIODevice& device, QString* error)
     return track;
 }
 
-} // namespace cli
+} // namespace app::cli

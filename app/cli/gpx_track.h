@@ -8,7 +8,7 @@
 #include <optional>
 
 // The track points of a GPX file, in file order: what sensor-send replays as a GPS walk.
-namespace cli {
+namespace app::cli {
 
 struct GpxPoint {
     double latitude = 0.0;
@@ -22,4 +22,4 @@ struct GpxPoint {
 std::optional<QList<GpxPoint>> readGpxTrack(const QString& path, QString* error);
 std::optional<QList<GpxPoint>> readGpxTrack(QIODevice& device, QString* error);
 
-} // namespace cli
+} // namespace app::cli

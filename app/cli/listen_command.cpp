@@ -22,7 +22,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace cli {
+namespace app::cli {
 namespace {
 
 // Turns SIGHUP, SIGINT and SIGTERM into a signal on the event loop, where stopping and saving
@@ -291,6 +291,6 @@ int runListen(const ListenRequest& request, core::UserSettings& userSettings, st
     return QCoreApplication::exec();
 }
 
-} // namespace cli
+} // namespace app::cli
 
 #include "listen_command.moc"

@@ -11,7 +11,7 @@
 
 // skyvane-cli listen: the sensor listener and its log without a desktop (a computer in a car),
 // joining each GPS reading with the link of the chosen backend's interface.
-namespace cli {
+namespace app::cli {
 
 struct ListenRequest {
     app::BackendOptions backend;
@@ -30,4 +30,4 @@ QString listenUsage();
 // were never saved. Log lines go to out, status lines and console messages to err.
 int runListen(const ListenRequest& request, core::UserSettings& settings, std::FILE* out, std::FILE* err);
 
-} // namespace cli
+} // namespace app::cli

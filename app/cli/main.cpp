@@ -23,11 +23,11 @@ void printUsage(std::FILE* stream)
                "commands:\n"
                "  decode FILE           every beacon and probe response of a pcap or pcapng file as JSON lines\n",
                stream);
-    std::fputs(cli::scanUsage().toUtf8().constData(), stream);
-    std::fputs(cli::toolUsage().toUtf8().constData(), stream);
+    std::fputs(app::cli::scanUsage().toUtf8().constData(), stream);
+    std::fputs(app::cli::toolUsage().toUtf8().constData(), stream);
     std::fputs("\nsensor commands:\n", stream);
-    std::fputs(cli::listenUsage().toUtf8().constData(), stream);
-    std::fputs(cli::sensorSendUsage().toUtf8().constData(), stream);
+    std::fputs(app::cli::listenUsage().toUtf8().constData(), stream);
+    std::fputs(app::cli::sensorSendUsage().toUtf8().constData(), stream);
 }
 
 } // namespace
@@ -45,37 +45,37 @@ int main(int argc, char* argv[])
         printUsage(stdout);
         return 0;
     }
-    const QString command = cli::commandWord(arguments);
+    const QString command = app::cli::commandWord(arguments);
     // decode and sensor-send take no backend options, so only a leading word names them.
     const bool leading = !arguments.isEmpty() && arguments[0] == command;
     if (leading && command == u"decode") {
         if (arguments.size() == 2)
-            return cli::decodeCapture(arguments[1], stdout, stderr);
+            return app::cli::decodeCapture(arguments[1], stdout, stderr);
         printUsage(stderr);
         return 2;
     }
 
     QString error;
     if (leading && command == u"sensor-send") {
-        const auto send = cli::parseSensorSendArguments(arguments.mid(1), &error);
+        const auto send = app::cli::parseSensorSendArguments(arguments.mid(1), &error);
         if (!send) {
             std::fprintf(stderr, "skyvane-cli: %s\n", error.toUtf8().constData());
             return 2;
         }
-        return cli::runSensorSend(*send, stdout, stderr);
+        return app::cli::runSensorSend(*send, stdout, stderr);
     }
     if (command == u"listen") {
-        const auto listen = cli::parseListenArguments(arguments, &error);
+        const auto listen = app::cli::parseListenArguments(arguments, &error);
         if (!listen) {
             std::fprintf(stderr, "skyvane-cli: %s\n", error.toUtf8().constData());
             return 2;
         }
         SettingsStore settings;
         settings.setupDefaults();
-        return cli::runListen(*listen, settings, stdout, stderr);
+        return app::cli::runListen(*listen, settings, stdout, stderr);
     }
     if (command == u"scan") {
-        const auto scan = cli::parseScanArguments(arguments, &error);
+        const auto scan = app::cli::parseScanArguments(arguments, &error);
         if (!scan) {
             printUsage(stderr);
             std::fprintf(stderr, "\nskyvane-cli: %s\n", error.toUtf8().constData());
@@ -83,14 +83,14 @@ int main(int argc, char* argv[])
         }
         SettingsStore settings;
         settings.setupDefaults();
-        return cli::runScan(*scan, settings, stdout, stderr);
+        return app::cli::runScan(*scan, settings, stdout, stderr);
     }
-    const auto request = cli::parseToolArguments(arguments, &error);
+    const auto request = app::cli::parseToolArguments(arguments, &error);
     if (!request) {
         printUsage(stderr);
         if (!arguments.isEmpty())
             std::fprintf(stderr, "\nskyvane-cli: %s\n", error.toUtf8().constData());
         return 2;
     }
-    return cli::runToolRequest(*request, stdout, stderr);
+    return app::cli::runToolRequest(*request, stdout, stderr);
 }

@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace cli {
+namespace app::cli {
 namespace {
 
 namespace element = scan::element;
@@ -168,4 +168,4 @@ bool hasHtCapabilities(const QByteArray& elements)
     return findElement(elements, element::HtCapabilities).has_value();
 }
 
-} // namespace cli
+} // namespace app::cli

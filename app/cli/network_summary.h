@@ -7,7 +7,7 @@
 
 // The short texts the command-line tool prints for a network's security and channel, read
 // straight from the beacon's elements. Malformed elements give what could be read, never more.
-namespace cli {
+namespace app::cli {
 
 // "WPA2(PSK/AES/AES)", "WPA(PSK/TKIP/TKIP) WPA2(PSK/AES,TKIP/TKIP)", "WPA3(SAE/AES/AES)", "WEP",
 // "NONE": per element its authentication, pairwise ciphers and group cipher. Never empty and
@@ -20,4 +20,4 @@ QString channelSummary(const platform::ScanResult& network);
 
 bool hasHtCapabilities(const QByteArray& elements);
 
-} // namespace cli
+} // namespace app::cli

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <numbers>
 
-namespace cli {
+namespace app::cli {
 namespace {
 
 constexpr double walkingSpeedMetresPerSecond = 1.4;
@@ -100,4 +100,4 @@ QByteArray PhoneReadings::gpsLine(qint64 nowMs, double stepSeconds)
                  QByteArrayLiteral("8.0")});
 }
 
-} // namespace cli
+} // namespace app::cli

@@ -10,7 +10,7 @@
 // The reading lines a companion phone application sends, in rounds of four: a GPS fix, then a
 // compass, an accelerometer and a gyroscope reading. The fixes follow a GPX track, or a
 // synthesised walk when there is none.
-namespace cli {
+namespace app::cli {
 
 class PhoneReadings {
 public:
@@ -36,4 +36,4 @@ private:
     double headingDegrees_ = 90.0;
 };
 
-} // namespace cli
+} // namespace app::cli

@@ -2,7 +2,7 @@
 
 #include "app/cli/cli_arguments.h"
 
-namespace cli {
+namespace app::cli {
 namespace {
 
 std::optional<int> wholeNumber(const std::optional<QString>& text, const QString& name, int minimum, int maximum,
@@ -31,18 +31,18 @@ std::optional<int> andOrItem(const std::optional<QString>& word, const QString& 
     return std::nullopt;
 }
 
-std::optional<ScanExporter::Kind> exportKind(const QString& word)
+std::optional<scanning::ScanExporter::Kind> exportKind(const QString& word)
 {
     if (word == u"csv")
-        return ScanExporter::SelectedTestCsv;
+        return scanning::ScanExporter::SelectedTestCsv;
     if (word == u"csv-all")
-        return ScanExporter::AllTestsCsv;
+        return scanning::ScanExporter::AllTestsCsv;
     if (word == u"html")
-        return ScanExporter::SelectedTestHtml;
+        return scanning::ScanExporter::SelectedTestHtml;
     if (word == u"html-graphs")
-        return ScanExporter::SelectedTestHtmlWithGraphs;
+        return scanning::ScanExporter::SelectedTestHtmlWithGraphs;
     if (word == u"html-all")
-        return ScanExporter::AllTestsHtml;
+        return scanning::ScanExporter::AllTestsHtml;
     return std::nullopt;
 }
 
@@ -51,7 +51,7 @@ std::optional<ScanExporter::Kind> exportKind(const QString& word)
 std::optional<ScanRequest> parseScanArguments(const QStringList& arguments, QString* error)
 {
     ScanRequest request;
-    FilterCriteria& filter = request.filter;
+    scanning::FilterCriteria& filter = request.filter;
     bool command = false;
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString& argument = arguments[i];
@@ -161,4 +161,4 @@ QString scanUsage()
         "    --export csv|csv-all|html|html-all|html-graphs FILE   write the test at the end\n");
 }
 
-} // namespace cli
+} // namespace app::cli

@@ -19,7 +19,7 @@
 #include <memory>
 #include <unistd.h>
 
-namespace cli {
+namespace app::cli {
 namespace {
 
 // The options that make the channel-information run of skyvane-cli -s see the same radio.
@@ -84,15 +84,15 @@ private:
     std::unique_ptr<QSocketNotifier> notifier_;
 };
 
-int exportTest(const ScanRequest& request, const ScanTestDriver& driver, const core::UserSettings& settings,
+int exportTest(const ScanRequest& request, const scanning::ScanTestDriver& driver, const core::UserSettings& settings,
                std::FILE* err)
 {
-    QList<WiFiScanTest*> tests;
+    QList<scanning::WiFiScanTest*> tests;
     for (const auto& test : driver.wifiScanTestArray())
         tests << test.get();
     platform::SystemClock clock;
-    const ScanExporter::Result result = ScanExporter(clock, settings).startExporting(
-        *request.exportKind, ScanExporter::destinationPath(request.exportFile), tests,
+    const scanning::ScanExporter::Result result = scanning::ScanExporter(clock, settings).startExporting(
+        *request.exportKind, scanning::ScanExporter::destinationPath(request.exportFile), tests,
         tests.isEmpty() ? nullptr : tests.first());
     if (!result.statusText.isEmpty())
         writeText(err, QStringLiteral("skyvane-cli: %1\n").arg(result.statusText));
@@ -117,7 +117,7 @@ int runScan(const ScanRequest& request, core::UserSettings& userSettings, std::F
 
     // --merge is this run's choice: it stays in memory and leaves the desktop's setting alone.
     core::SettingsOverlay settings(userSettings, {{QStringLiteral("mergeScanResults"), request.merge ? 1 : 0}});
-    ScanDatabase database(request.databasePath);
+    scanning::ScanDatabase database(request.databasePath);
     if (!database.isOpen()) {
         writeText(err, QStringLiteral("skyvane-cli: the scan database %1 cannot be used: %2\n")
                            .arg(database.path(), database.openError()));
@@ -125,14 +125,14 @@ int runScan(const ScanRequest& request, core::UserSettings& userSettings, std::F
     }
     database.updateDatabase();
     platform::SystemClock clock;
-    QtTimerSource timers(clock);
+    scanning::QtTimerSource timers(clock);
     platform::ShellCommandRunner commands;
-    ScanTestDriver driver(backend->interface, database, settings, timers, commands, QCoreApplication::applicationFilePath(),
+    scanning::ScanTestDriver driver(backend->interface, database, settings, timers, commands, QCoreApplication::applicationFilePath(),
                           backendArguments(request.backend));
     driver.setRefreshIntervalSeconds(request.intervalSeconds);
     driver.filter() = request.filter;
     // The results view's model keeps the rows in its order (by name, A to Z, unless told otherwise).
-    ResultsTableModel table(settings);
+    scanning::ResultsTableModel table(settings);
     driver.setResultsListener(&table);
 
     QEventLoop loop;
@@ -147,7 +147,7 @@ int runScan(const ScanRequest& request, core::UserSettings& userSettings, std::F
         loop.quit();
     };
     JsonWriter json(out, 1u << 16);
-    QObject::connect(&driver, &ScanTestDriver::scanProcessed, &loop, [&](const std::shared_ptr<WiFiScanTest>& test) {
+    QObject::connect(&driver, &scanning::ScanTestDriver::scanProcessed, &loop, [&](const std::shared_ptr<scanning::WiFiScanTest>& test) {
         if (stopping)
             return;
         ++scans;
@@ -160,21 +160,21 @@ int runScan(const ScanRequest& request, core::UserSettings& userSettings, std::F
         if (request.count && scans >= *request.count)
             stop();
     });
-    QObject::connect(&driver, &ScanTestDriver::messageLabelChanged, &loop, [err](const QString& text) {
+    QObject::connect(&driver, &scanning::ScanTestDriver::messageLabelChanged, &loop, [err](const QString& text) {
         if (!text.isEmpty())
             writeText(err, text + QLatin1Char('\n'));
     });
     // A scan the backend could not run (a capture that cannot be read further) fails the run,
     // even when the networks heard before stay on show; each reason is said once.
     QStringList scanErrors;
-    QObject::connect(&driver, &ScanTestDriver::scanErrorReported, &loop, [&](const QString& description) {
+    QObject::connect(&driver, &scanning::ScanTestDriver::scanErrorReported, &loop, [&](const QString& description) {
         failed = true;
         if (scanErrors.contains(description))
             return;
         scanErrors.append(description);
         writeText(err, QStringLiteral("skyvane-cli: scan failed: %1\n").arg(description));
     });
-    QObject::connect(&driver, &ScanTestDriver::databaseFailed, &loop, [&](const QString& message) {
+    QObject::connect(&driver, &scanning::ScanTestDriver::databaseFailed, &loop, [&](const QString& message) {
         failed = true;
         writeText(err, QStringLiteral("skyvane-cli: %1\n").arg(message));
         stop();
@@ -188,7 +188,7 @@ int runScan(const ScanRequest& request, core::UserSettings& userSettings, std::F
     }
     // The tool's channel text (secondary-channel suffix) and security words refresh as in the tab.
     QTimer channelRefresh;
-    QObject::connect(&channelRefresh, &QTimer::timeout, &driver, &ScanTestDriver::refreshChannelInfo);
+    QObject::connect(&channelRefresh, &QTimer::timeout, &driver, &scanning::ScanTestDriver::refreshChannelInfo);
     channelRefresh.start(std::chrono::seconds(60));
     // The first scan waits for the tool's answer, as the tab's launch delay lets it, so even the
     // first rows carry the tool's security words; a tool that never answers delays it no longer.
@@ -202,7 +202,7 @@ int runScan(const ScanRequest& request, core::UserSettings& userSettings, std::F
         launch.stop();
         driver.scanButtonPressed();
     };
-    QObject::connect(&driver, &ScanTestDriver::channelInfoChanged, &loop, start);
+    QObject::connect(&driver, &scanning::ScanTestDriver::channelInfoChanged, &loop, start);
     QObject::connect(&launch, &QTimer::timeout, &loop, start);
     launch.start(std::chrono::milliseconds(1500));
     driver.refreshChannelInfo();
@@ -213,4 +213,4 @@ int runScan(const ScanRequest& request, core::UserSettings& userSettings, std::F
     return failed ? 1 : exported;
 }
 
-} // namespace cli
+} // namespace app::cli

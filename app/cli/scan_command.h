@@ -13,7 +13,7 @@
 
 // skyvane-cli scan: the scanner tab without a window. Runs one scan test on the chosen backend,
 // prints the count label and the rows after every scan, and can export the test at the end.
-namespace cli {
+namespace app::cli {
 
 struct ScanRequest {
     app::BackendOptions backend;
@@ -21,10 +21,10 @@ struct ScanRequest {
     std::optional<int> count;            // scans to show; with neither limit, until stopped
     std::optional<int> durationSeconds;
     bool merge = false;
-    FilterCriteria filter;               // applied: filter.filterCriteria holds the condition
+    scanning::FilterCriteria filter;               // applied: filter.filterCriteria holds the condition
     QString databasePath;                // empty: the normal database location
     bool json = false;
-    std::optional<ScanExporter::Kind> exportKind;
+    std::optional<scanning::ScanExporter::Kind> exportKind;
     QString exportFile;
 };
 
@@ -37,4 +37,4 @@ QString scanUsage();
 // run, when a scan failed, or when the export failed.
 int runScan(const ScanRequest& request, core::UserSettings& settings, std::FILE* out, std::FILE* err);
 
-} // namespace cli
+} // namespace app::cli

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <array>
 
-namespace cli {
+namespace app::cli {
 namespace {
 
 // Names come from the air: a control character would break the line or move the cursor.
@@ -33,7 +33,7 @@ using Cells = std::array<QString, columnCount>;
 // Numbers read best aligned on their last digit.
 constexpr std::array<bool, columnCount> rightAligned{false, false, false, true, false, false, false, false, false};
 
-Cells rowCells(const ScanedResultInfo& record, bool connected)
+Cells rowCells(const scan::ScanedResultInfo& record, bool connected)
 {
     return {connected ? QStringLiteral("*") : QString(),
             printable(record.ssid),
@@ -48,14 +48,14 @@ Cells rowCells(const ScanedResultInfo& record, bool connected)
 
 } // namespace
 
-QString scanTable(const QString& countLabel, const ResultsTableModel& table)
+QString scanTable(const QString& countLabel, const scanning::ResultsTableModel& table)
 {
     const QString active = table.currentTest() != nullptr ? table.currentTest()->activeBSSID : QString();
     QList<Cells> rows{{QString(), QStringLiteral("SSID"), QStringLiteral("BSSID"), QStringLiteral("RSSI"),
                        QStringLiteral("CHANNEL"), QStringLiteral("BAND"), QStringLiteral("WIDTH"),
                        QStringLiteral("SECURITY"), QStringLiteral("VENDOR")}};
     for (int row = 0; row < table.rowCount(); ++row) {
-        const ScanedResultInfo& record = *table.recordAt(row);
+        const scan::ScanedResultInfo& record = *table.recordAt(row);
         rows << rowCells(record, !active.isEmpty() && record.bssid == active);
     }
 
@@ -79,7 +79,7 @@ QString scanTable(const QString& countLabel, const ResultsTableModel& table)
     return text;
 }
 
-void writeScanJson(JsonWriter& json, int scan, const QString& countLabel, const WiFiScanTest& test)
+void writeScanJson(JsonWriter& json, int scan, const QString& countLabel, const scanning::WiFiScanTest& test)
 {
     json.beginObject();
     json.field("scan", scan);
@@ -87,7 +87,7 @@ void writeScanJson(JsonWriter& json, int scan, const QString& countLabel, const 
     json.field("testLabel", test.testLabel);
     json.field("activeBSSID", test.activeBSSID);
     json.endObject();
-    for (const ScanedResultInfo& r : test.scanedData1) {
+    for (const scan::ScanedResultInfo& r : test.scanedData1) {
         json.beginObject();
         json.field("scan", scan);
         json.field("bssid", r.bssid);
@@ -127,4 +127,4 @@ void writeScanJson(JsonWriter& json, int scan, const QString& countLabel, const 
     }
 }
 
-} // namespace cli
+} // namespace app::cli

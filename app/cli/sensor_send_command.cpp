@@ -18,7 +18,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-namespace cli {
+namespace app::cli {
 namespace {
 
 bool parseAddress(const QString& text, SensorSendRequest& request)
@@ -239,4 +239,4 @@ int runSensorSend(const SensorSendRequest& request, std::FILE* out, std::FILE* e
     return 0;
 }
 
-} // namespace cli
+} // namespace app::cli

@@ -8,7 +8,7 @@
 
 // skyvane-cli sensor-send: plays phone readings to a sensor listener over UDP or TCP, for
 // tests and demonstrations without a phone.
-namespace cli {
+namespace app::cli {
 
 enum class SensorTransport { Udp, Tcp };
 
@@ -28,4 +28,4 @@ QString sensorSendUsage();
 // Exit status 0, or 1 when the GPX file is bad or the listener cannot be reached.
 int runSensorSend(const SensorSendRequest& request, std::FILE* out, std::FILE* err);
 
-} // namespace cli
+} // namespace app::cli

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <thread>
 
-namespace cli {
+namespace app::cli {
 namespace {
 
 struct Heard {
@@ -163,4 +163,4 @@ int runToolRequest(const ToolRequest& request, std::FILE* out, std::FILE* err)
     return 0;
 }
 
-} // namespace cli
+} // namespace app::cli

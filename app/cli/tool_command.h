@@ -11,7 +11,7 @@
 
 // skyvane-cli's wireless commands on the chosen backend: -s (networks in range), -s -x (the
 // same as a property list), -I (the current link) and watch (-s again and again).
-namespace cli {
+namespace app::cli {
 
 enum class ToolAction { ScanListing, ScanPropertyList, LinkReport, Watch };
 
@@ -31,4 +31,4 @@ QString toolUsage();
 // Exit status 0, or 1 when the backend could not be set up or a scan found nothing but an error.
 int runToolRequest(const ToolRequest& request, std::FILE* out, std::FILE* err);
 
-} // namespace cli
+} // namespace app::cli

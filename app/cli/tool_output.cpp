@@ -6,7 +6,7 @@
 #include <QStringList>
 #include <QXmlStreamWriter>
 
-namespace cli {
+namespace app::cli {
 namespace {
 
 // Control characters would end a line or a field early; the text is for reading, the bytes
@@ -123,7 +123,7 @@ void writeNetwork(PlistWriter& plist, const platform::ScanResult& network, core:
     plist.xml().writeStartElement(QStringLiteral("dict"));
     plist.string(QStringLiteral("SSID_STR"), network.ssid);
     plist.data(QStringLiteral("SSID"), network.ssidData);
-    plist.string(QStringLiteral("BSSID"), ScannerUtils::normalizeMAC(network.bssid));
+    plist.string(QStringLiteral("BSSID"), scan::ScannerUtils::normalizeMAC(network.bssid));
     plist.integer(QStringLiteral("RSSI"), network.rssiValue);
     plist.integer(QStringLiteral("NOISE"), network.noiseMeasurement);
     plist.integer(QStringLiteral("CHANNEL"), network.channelNumber);
@@ -137,7 +137,7 @@ void writeNetwork(PlistWriter& plist, const platform::ScanResult& network, core:
     plist.boolean(QStringLiteral("SECURED"), network.secured);
     plist.boolean(QStringLiteral("IBSS"), network.ibss);
     plist.integer(QStringLiteral("BEACON_INT"), network.beaconInterval);
-    plist.string(QStringLiteral("PHY_MODES"), ScannerUtils::getSupportedPHYModeString(network, generation));
+    plist.string(QStringLiteral("PHY_MODES"), scan::ScannerUtils::getSupportedPHYModeString(network, generation));
     plist.data(QStringLiteral("IE"), network.informationElementData);
     plist.xml().writeEndElement();
 }
@@ -156,7 +156,7 @@ QString scanListingHeading()
 QString scanListingLine(const platform::ScanResult& network)
 {
     return QStringLiteral("%1 %2 %3 %4 %5 %6 %7")
-        .arg(ssidColumn(network.ssid), ScannerUtils::normalizeMAC(network.bssid).leftJustified(17, QLatin1Char(' ')),
+        .arg(ssidColumn(network.ssid), scan::ScannerUtils::normalizeMAC(network.bssid).leftJustified(17, QLatin1Char(' ')),
              QString::number(network.rssiValue).rightJustified(4, QLatin1Char(' ')),
              channelSummary(network).leftJustified(7, QLatin1Char(' ')),
              hasHtCapabilities(network.informationElementData) ? QStringLiteral("Y ") : QStringLiteral("N "),
@@ -201,8 +201,8 @@ QString linkReport(const platform::InterfaceSnapshot& snapshot, core::InterfaceG
         {QStringLiteral("op mode"), modeText(snapshot.interfaceMode)},
         {QStringLiteral("lastTxRate"), QString::number(snapshot.transmitRate)},
         {QStringLiteral("txPower"), QString::number(snapshot.transmitPower)},
-        {QStringLiteral("link auth"), ScannerUtils::stringForSecurityMode(snapshot.security, generation)},
-        {QStringLiteral("BSSID"), snapshot.bssid.isEmpty() ? QString() : ScannerUtils::normalizeMAC(snapshot.bssid)},
+        {QStringLiteral("link auth"), scan::ScannerUtils::stringForSecurityMode(snapshot.security, generation)},
+        {QStringLiteral("BSSID"), snapshot.bssid.isEmpty() ? QString() : scan::ScannerUtils::normalizeMAC(snapshot.bssid)},
         {QStringLiteral("SSID"), printable(snapshot.ssid)},
     };
     if (snapshot.mcsIndex)
@@ -226,4 +226,4 @@ QString linkReport(const platform::InterfaceSnapshot& snapshot, core::InterfaceG
     return text;
 }
 
-} // namespace cli
+} // namespace app::cli

@@ -10,7 +10,7 @@
 // The text skyvane-cli prints for -s, -s -x and -I. The scanner reads these back: a listing line
 // keeps the SSID in its first 32 characters and blank-separated fields after them, and the link
 // report never puts "MCS:" on its first line.
-namespace cli {
+namespace app::cli {
 
 constexpr qsizetype kSsidColumns = 32;
 
@@ -27,4 +27,4 @@ QByteArray scanPropertyList(const QList<platform::ScanResult>& networks, core::I
 // One right-aligned "key: value" line per fact of the current link.
 QString linkReport(const platform::InterfaceSnapshot& snapshot, core::InterfaceGeneration generation);
 
-} // namespace cli
+} // namespace app::cli

@@ -8,9 +8,9 @@
 // Records and a colour table shared by the graph model tests.
 namespace graphs_test {
 
-inline ScanedResultInfo network(const QString& bssid, int channel, int rssi, int width = 20, long long offset = 0)
+inline scan::ScanedResultInfo network(const QString& bssid, int channel, int rssi, int width = 20, long long offset = 0)
 {
-    ScanedResultInfo r;
+    scan::ScanedResultInfo r;
     r.bssid = bssid;
     r.ssid = QStringLiteral("net-") + bssid.right(2);
     r.originalChannel = channel;
@@ -23,16 +23,16 @@ inline ScanedResultInfo network(const QString& bssid, int channel, int rssi, int
 }
 
 // A sample seen secondsAgo before a fixed moment.
-inline ScanedResultInfo sample(const QString& bssid, int rssi, int secondsAgo)
+inline scan::ScanedResultInfo sample(const QString& bssid, int rssi, int secondsAgo)
 {
-    ScanedResultInfo r = network(bssid, 6, rssi);
+    scan::ScanedResultInfo r = network(bssid, 6, rssi);
     r.lastSeen = QDateTime(QDate(2024, 5, 1), QTime(14, 30, 0)).addSecs(-secondsAgo);
     return r;
 }
 
-inline ColorCodesManager& builtInColours()
+inline graphs::ColorCodesManager& builtInColours()
 {
-    static ColorCodesManager manager{QString::fromLatin1(ColorCodesManager::resourcePath)};
+    static graphs::ColorCodesManager manager{QString::fromLatin1(graphs::ColorCodesManager::resourcePath)};
     return manager;
 }
 

@@ -14,9 +14,9 @@ using graphs_test::sample;
 
 namespace {
 
-QList<ScanedResultInfo> history(const QString& bssid, int count, int intervalSeconds)
+QList<scan::ScanedResultInfo> history(const QString& bssid, int count, int intervalSeconds)
 {
-    QList<ScanedResultInfo> samples;
+    QList<scan::ScanedResultInfo> samples;
     for (int i = 0; i < count; ++i)
         samples.append(sample(bssid, -40 - i, i * intervalSeconds));
     return samples;
@@ -32,7 +32,7 @@ TEST(SignalHistoryModel, TimeWindowCoversTwelveIntervals)
         core::MemorySettings settings;
         SignalHistoryModel model(graphs_test::builtInColours(), settings);
         EXPECT_EQ(model.layout().xRange, (ValueRange{59, -59}));
-        WiFiScanTest test;
+        scanning::WiFiScanTest test;
         test.refreshInterval = c.interval;
         model.reloadGraph(test);
         EXPECT_EQ(model.layout().xRange, (ValueRange{c.location, -c.location})) << c.interval;
@@ -100,7 +100,7 @@ TEST(SignalHistoryModel, HighlightedLineCarriesTheAnnotation)
     model.addPlotToGraph(QStringLiteral("AA"), history(QStringLiteral("AA"), 3, 10));
     model.addPlotToGraph(QStringLiteral("BB"), history(QStringLiteral("BB"), 3, 10));
     QSignalSpy moved(&model, &SignalHistoryModel::annotationMoved);
-    WiFiScanTest test;
+    scanning::WiFiScanTest test;
     model.reloadGraph(test);
     EXPECT_EQ(moved.count(), 0);
 
@@ -119,7 +119,7 @@ TEST(SignalHistoryModel, HighlightedLineCarriesTheAnnotation)
 
 TEST(SignalAnnotation, WritesEachChosenValueOnItsOwnLine)
 {
-    ScanedResultInfo record = sample(QStringLiteral("AA"), -61, 0);
+    scan::ScanedResultInfo record = sample(QStringLiteral("AA"), -61, 0);
     record.noise = -92;
     record.singnalToNoise = 31;
     const SignalAnnotation all{true, true, true};
@@ -131,7 +131,7 @@ TEST(NetworkDetailsModel, KeepsTheLast25SamplesOfTheExaminedNetworkOnly)
 {
     core::MemorySettings settings;
     NetworkDetailsModel model(settings);
-    WiFiScanTest test;
+    scanning::WiFiScanTest test;
     model.highlightGraph(QStringLiteral("AA"), test);
     model.updateGraphDataPoints({sample(QStringLiteral("BB"), -50, 0)}, QStringLiteral("BB"));
     EXPECT_TRUE(model.sampledData().isEmpty());
@@ -151,8 +151,8 @@ TEST(NetworkDetailsModel, ChannelTextShowsTheSecondaryChannelSide)
     for (const Case& c : cases) {
         core::MemorySettings settings;
         NetworkDetailsModel model(settings);
-        WiFiScanTest test;
-        ScanedResultInfo record = graphs_test::network(QStringLiteral("AA"), 36, -50, 40, c.offset);
+        scanning::WiFiScanTest test;
+        scan::ScanedResultInfo record = graphs_test::network(QStringLiteral("AA"), 36, -50, 40, c.offset);
         record.supportedDataRates = QStringList{QStringLiteral("6"), QStringLiteral("54")};
         test.scanedResults.insert(QStringLiteral("AA"), {record});
         model.highlightGraph(QStringLiteral("AA"), test);

@@ -12,9 +12,9 @@ using graphs_test::network;
 
 namespace {
 
-ScanedResultInfo named(const char* bssid, const char* ssid, int rssi)
+scan::ScanedResultInfo named(const char* bssid, const char* ssid, int rssi)
 {
-    ScanedResultInfo r = network(QString::fromLatin1(bssid), 6, rssi);
+    scan::ScanedResultInfo r = network(QString::fromLatin1(bssid), 6, rssi);
     r.ssid = QString::fromLatin1(ssid);
     return r;
 }
@@ -38,13 +38,13 @@ TEST(SignalRankModel, RanksStrongestFirstAndLeavesTenEmptySlots)
 TEST(SignalRankModel, BarFillsFollowTheFirstMatchingRule)
 {
     SignalRankModel model;
-    WiFiScanTest test;
+    scanning::WiFiScanTest test;
     test.activeBSSID = QStringLiteral("C1");
     model.scanDidStartedByUser(test);
-    const ScanedResultInfo records[] = {named("C1", "home", -40), named("C2", "home", -45), named("S1", "work", -50),
+    const scan::ScanedResultInfo records[] = {named("C1", "home", -40), named("C2", "home", -45), named("S1", "work", -50),
                                         named("S2", "work", -55), named("H1", "cafe", -60), named("H2", "cafe", -65),
                                         named("X1", "other", -70)};
-    for (const ScanedResultInfo& r : records)
+    for (const scan::ScanedResultInfo& r : records)
         model.addPlotToGraph(r.bssid, r);
     model.highlightGraph(QStringLiteral("S1"), test);
     model.hoverBar(4);
@@ -54,7 +54,7 @@ TEST(SignalRankModel, BarFillsFollowTheFirstMatchingRule)
                                               {128 / 255.0, 128 / 255.0, 128 / 255.0, 0.8},
                                               {69 / 255.0, 69 / 255.0, 69 / 255.0, 1}};
     for (int i = 0; i < 7; ++i) {
-        const ColourCode fill = *model.barFill(i);
+        const graphs::ColourCode fill = *model.barFill(i);
         EXPECT_EQ((std::array<double, 4>{fill.red, fill.green, fill.blue, fill.alpha}), expected[i]) << i;
     }
     EXPECT_EQ(model.labels().selected, QStringLiteral("work    -50 "));
@@ -65,7 +65,7 @@ TEST(SignalRankModel, BarFillsFollowTheFirstMatchingRule)
     model.highlightGraph(QStringLiteral("C1"), test);
     EXPECT_EQ(model.barFill(0)->blue, 0.0);
 
-    for (const ScanedResultInfo& r : records)
+    for (const scan::ScanedResultInfo& r : records)
         model.removePlotFromGraph(r.bssid);
     model.reloadGraph(nullptr);
     EXPECT_EQ(model.labels().selected, QString());
@@ -79,7 +79,7 @@ TEST(GraphViewTabSet, RoutesEachNetworkToItsBandAndBringsThatTabForward)
     GraphViewTabSet tabs(graphs_test::builtInColours(), settings);
     tabs.selectTab(GraphTab::Channels5GHz);
 
-    ScanedResultInfo unknownBand = network(QStringLiteral("UU"), 6, -50);
+    scan::ScanedResultInfo unknownBand = network(QStringLiteral("UU"), 6, -50);
     unknownBand.channelBond = 0.0;
     tabs.addPlotToGraph(QStringLiteral("AA"), {network(QStringLiteral("AA"), 6, -50)});
     EXPECT_EQ(tabs.selectedTab(), GraphTab::Channels24GHz);
@@ -96,7 +96,7 @@ TEST(GraphViewTabSet, RoutesEachNetworkToItsBandAndBringsThatTabForward)
     EXPECT_EQ(tabs.selectedTab(), GraphTab::Channels5GHz);
     EXPECT_EQ(tabs.signalRank().bars().first().tip, -30.0);
 
-    WiFiScanTest test;
+    scanning::WiFiScanTest test;
     test.scanedResults.insert(QStringLiteral("AA"), {network(QStringLiteral("AA"), 6, -30)});
     tabs.highlightGraph(QStringLiteral("AA"), test);
     EXPECT_EQ(tabs.selectedTab(), GraphTab::Channels24GHz);

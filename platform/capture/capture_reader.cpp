@@ -11,7 +11,7 @@
 #include <cerrno>
 #include <cstdio>
 
-namespace capture {
+namespace platform::capture {
 namespace {
 
 struct PcapCloser {
@@ -120,4 +120,4 @@ std::unique_ptr<CaptureReader> CaptureReader::open(const QString& path, QString*
     return std::make_unique<PcapCaptureReader>(std::move(handle), linkType);
 }
 
-} // namespace capture
+} // namespace platform::capture

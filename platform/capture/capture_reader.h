@@ -11,12 +11,12 @@
 
 // Reads beacons and probe responses out of pcap and pcapng files (radiotap, bare 802.11 and
 // Prism link types) and hands each one over as the raw facts a live interface would report.
-namespace capture {
+namespace platform::capture {
 
 struct BeaconFrame {
     std::int64_t frameNumber = 0;  // 1-based position in the file, counting every packet
     std::int64_t timestampUs = 0;  // capture time, microseconds since the Unix epoch
-    RawBssFacts facts;
+    scan::RawBssFacts facts;
 };
 
 enum class ReadStatus { Frame, End, Error };
@@ -42,6 +42,6 @@ constexpr int LinkTypeRadiotap = 127;
 
 // Decodes one captured packet of a link type. nullopt when it is not a beacon or probe
 // response, or too short to be one. Never reads outside [data, data + length).
-std::optional<RawBssFacts> parsePacket(int linkType, const std::uint8_t* data, std::size_t length);
+std::optional<scan::RawBssFacts> parsePacket(int linkType, const std::uint8_t* data, std::size_t length);
 
-} // namespace capture
+} // namespace platform::capture

@@ -1,6 +1,6 @@
 #include "platform/capture/capture_replay_client.h"
 
-namespace capture {
+namespace platform::capture {
 
 CaptureReplayClient::CaptureReplayClient(std::shared_ptr<CaptureReplayInterface> replay) : replay_(std::move(replay)) {}
 
@@ -24,4 +24,4 @@ QStringList CaptureReplayClient::toolBackendArguments() const
     return {QStringLiteral("--capture"), replay_->capturePath()};
 }
 
-} // namespace capture
+} // namespace platform::capture

@@ -4,7 +4,7 @@
 #include "platform/capture/capture_replay_interface.h"
 
 // The backend of a replayed capture: one interface, "capture0", that plays the file.
-namespace capture {
+namespace platform::capture {
 
 class CaptureReplayClient final : public platform::WirelessClient {
 public:
@@ -19,4 +19,4 @@ private:
     std::shared_ptr<CaptureReplayInterface> replay_;
 };
 
-} // namespace capture
+} // namespace platform::capture

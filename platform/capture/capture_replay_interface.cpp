@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-namespace capture {
+namespace platform::capture {
 namespace {
 
 const QString kErrorDomain = QStringLiteral("org.skyvane.CaptureReplay");
@@ -75,7 +75,7 @@ platform::MaybeError CaptureReplayInterface::advance()
     started_ = true;
     // One entry per BSSID in order of first appearance; a later frame of the same BSSID replaces
     // the earlier one, as a live scan reports the newest beacon.
-    std::vector<RawBssFacts> heard;
+    std::vector<scan::RawBssFacts> heard;
     QHash<QString, std::size_t> indexOfBssid;
     std::optional<std::int64_t> sliceEndUs;
     platform::MaybeError error;
@@ -97,7 +97,7 @@ platform::MaybeError CaptureReplayInterface::advance()
             lookahead_ = std::move(frame);
             break;
         }
-        const QString key = ScannerUtils::normalizeMAC(frame.facts.bssid);
+        const QString key = scan::ScannerUtils::normalizeMAC(frame.facts.bssid);
         if (const auto found = indexOfBssid.constFind(key); found != indexOfBssid.cend()) {
             heard[*found] = std::move(frame.facts);
         } else {
@@ -111,8 +111,8 @@ platform::MaybeError CaptureReplayInterface::advance()
 
     slice_.clear();
     slice_.reserve(static_cast<qsizetype>(heard.size()));
-    for (const RawBssFacts& facts : heard)
-        slice_.append(deriveScanResult(facts));
+    for (const scan::RawBssFacts& facts : heard)
+        slice_.append(scan::deriveScanResult(facts));
     return error;
 }
 
@@ -148,9 +148,9 @@ platform::ScanOutcome CaptureReplayInterface::scanForNetworksWithBSSID(const QSt
 {
     std::lock_guard lock(mutex_);
     platform::ScanOutcome outcome;
-    const QString wanted = ScannerUtils::normalizeMAC(bssid);
+    const QString wanted = scan::ScannerUtils::normalizeMAC(bssid);
     for (const platform::ScanResult& network : currentSlice(outcome.error)) {
-        if (ScannerUtils::normalizeMAC(network.bssid) == wanted)
+        if (scan::ScannerUtils::normalizeMAC(network.bssid) == wanted)
             outcome.networks.append(network);
     }
     return outcome;
@@ -185,4 +185,4 @@ platform::MaybeError CaptureReplayInterface::startIBSSModeWithSSID(const QByteAr
     return notPossible(QStringLiteral("Creating an ad-hoc network"));
 }
 
-} // namespace capture
+} // namespace platform::capture

@@ -10,7 +10,7 @@
 
 // A capture file played back as a Wi-Fi interface, so a capture taken elsewhere is analysed
 // exactly like a live scan: each full scan hears the next stretch of capture time.
-namespace capture {
+namespace platform::capture {
 
 class CaptureReplayInterface final : public platform::WirelessInterface {
     Q_OBJECT
@@ -75,4 +75,4 @@ private:
     QList<platform::ScanResult> slice_;
 };
 
-} // namespace capture
+} // namespace platform::capture

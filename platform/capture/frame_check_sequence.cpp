@@ -4,7 +4,7 @@
 
 #include <zlib.h>
 
-namespace capture {
+namespace platform::capture {
 
 bool endsWithValidFcs(const std::uint8_t* frame, std::size_t length)
 {
@@ -15,4 +15,4 @@ bool endsWithValidFcs(const std::uint8_t* frame, std::size_t length)
     return crc == readLe32(frame + covered);
 }
 
-} // namespace capture
+} // namespace platform::capture

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 // Unaligned little-endian reads of capture bytes; callers check the bounds first.
-namespace capture {
+namespace platform::capture {
 
 inline std::uint16_t readLe16(const std::uint8_t* p)
 {
@@ -16,4 +16,4 @@ inline std::uint32_t readLe32(const std::uint8_t* p)
         | (static_cast<std::uint32_t>(p[2]) << 16) | (static_cast<std::uint32_t>(p[3]) << 24);
 }
 
-} // namespace capture
+} // namespace platform::capture

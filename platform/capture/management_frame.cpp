@@ -6,7 +6,7 @@
 
 #include <array>
 
-namespace capture {
+namespace platform::capture {
 namespace {
 
 constexpr std::uint8_t kSubtypeProbeResponse = 5;
@@ -43,7 +43,7 @@ bool isBeaconOrProbeResponse(const std::uint8_t* frame, std::size_t length)
     return version == 0 && type == 0 && (subtype == kSubtypeBeacon || subtype == kSubtypeProbeResponse);
 }
 
-std::optional<RawBssFacts> decodeBeaconOrProbeResponse(const std::uint8_t* frame, std::size_t length)
+std::optional<scan::RawBssFacts> decodeBeaconOrProbeResponse(const std::uint8_t* frame, std::size_t length)
 {
     if (!isBeaconOrProbeResponse(frame, length) || length < kHeaderLength)
         return std::nullopt;
@@ -55,7 +55,7 @@ std::optional<RawBssFacts> decodeBeaconOrProbeResponse(const std::uint8_t* frame
 
     const std::uint8_t* body = frame + bodyOffset;
     const std::size_t elementsOffset = bodyOffset + kFixedFieldsLength;
-    RawBssFacts facts;
+    scan::RawBssFacts facts;
     facts.bssid = formatMac(frame + kAddress3Offset);
     facts.beaconInterval = readLe16(body + 8);
     facts.capabilityInfo = readLe16(body + 10);
@@ -64,4 +64,4 @@ std::optional<RawBssFacts> decodeBeaconOrProbeResponse(const std::uint8_t* frame
     return facts;
 }
 
-} // namespace capture
+} // namespace platform::capture

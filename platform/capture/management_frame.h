@@ -7,13 +7,13 @@
 #include <optional>
 
 // The 802.11 beacon and probe response: the two management frames that describe a BSS.
-namespace capture {
+namespace platform::capture {
 
 // Looks at the frame control field only, so other packets are dismissed before any work.
 bool isBeaconOrProbeResponse(const std::uint8_t* frame, std::size_t length);
 
 // BSSID, fixed fields and element bytes of a beacon or probe response whose FCS, if any, was
 // already cut off. nullopt when the frame is too short for its header and fixed fields.
-std::optional<RawBssFacts> decodeBeaconOrProbeResponse(const std::uint8_t* frame, std::size_t length);
+std::optional<scan::RawBssFacts> decodeBeaconOrProbeResponse(const std::uint8_t* frame, std::size_t length);
 
-} // namespace capture
+} // namespace platform::capture

@@ -6,9 +6,9 @@
 #include "platform/capture/prism.h"
 #include "platform/capture/radiotap.h"
 
-namespace capture {
+namespace platform::capture {
 
-std::optional<RawBssFacts> decodePacket(int linkType, const std::uint8_t* data,
+std::optional<scan::RawBssFacts> decodePacket(int linkType, const std::uint8_t* data,
                                         std::size_t capturedLength, std::size_t wireLength)
 {
     std::optional<RadiotapFields> radiotap;
@@ -59,9 +59,9 @@ std::optional<RawBssFacts> decodePacket(int linkType, const std::uint8_t* data,
     return facts;
 }
 
-std::optional<RawBssFacts> parsePacket(int linkType, const std::uint8_t* data, std::size_t length)
+std::optional<scan::RawBssFacts> parsePacket(int linkType, const std::uint8_t* data, std::size_t length)
 {
     return decodePacket(linkType, data, length, length);
 }
 
-} // namespace capture
+} // namespace platform::capture

@@ -8,11 +8,11 @@
 
 // Turns one captured packet into the facts of a beacon or probe response. parsePacket
 // (capture_reader.h) is this with nothing cut off by the capture's snapshot length.
-namespace capture {
+namespace platform::capture {
 
 // wireLength is the packet's length on the air: when the capture kept fewer bytes, the FCS is
 // partly or wholly missing and must not be cut from the bytes that are there.
-std::optional<RawBssFacts> decodePacket(int linkType, const std::uint8_t* data,
+std::optional<scan::RawBssFacts> decodePacket(int linkType, const std::uint8_t* data,
                                         std::size_t capturedLength, std::size_t wireLength);
 
-} // namespace capture
+} // namespace platform::capture

@@ -2,7 +2,7 @@
 
 #include "platform/capture/little_endian.h"
 
-namespace capture {
+namespace platform::capture {
 
 std::optional<std::size_t> prismHeaderLength(const std::uint8_t* data, std::size_t length)
 {
@@ -15,4 +15,4 @@ std::optional<std::size_t> prismHeaderLength(const std::uint8_t* data, std::size
     return messageLength;
 }
 
-} // namespace capture
+} // namespace platform::capture

@@ -5,7 +5,7 @@
 #include <array>
 #include <bit>
 
-namespace capture {
+namespace platform::capture {
 namespace {
 
 struct FieldLayout {
@@ -159,4 +159,4 @@ std::optional<RadiotapFields> parseRadiotap(const std::uint8_t* data, std::size_
     return out;
 }
 
-} // namespace capture
+} // namespace platform::capture

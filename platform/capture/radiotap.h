@@ -6,7 +6,7 @@
 
 // The few radiotap fields a replayed beacon needs, read from the header that precedes each
 // 802.11 frame of link type 127.
-namespace capture {
+namespace platform::capture {
 
 struct RadiotapFields {
     std::size_t headerLength = 0;  // the 802.11 frame starts here
@@ -20,4 +20,4 @@ struct RadiotapFields {
 // bitmaps running past the header). A field that cannot be located leaves the later ones unset.
 std::optional<RadiotapFields> parseRadiotap(const std::uint8_t* data, std::size_t length);
 
-} // namespace capture
+} // namespace platform::capture

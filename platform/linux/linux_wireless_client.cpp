@@ -18,7 +18,7 @@ LinuxWirelessClient::~LinuxWirelessClient() = default;
 
 QStringList LinuxWirelessClient::interfaceNames() const
 {
-    nl80211::RequestSocket socket;
+    platform::nl80211::RequestSocket socket;
     if (socket.openError())
         return {};
     std::set<std::uint32_t> stationRadios;
@@ -50,7 +50,7 @@ std::shared_ptr<WirelessInterface> LinuxWirelessClient::interfaceWithName(const 
 
 QString LinuxWirelessClient::statusText() const
 {
-    nl80211::RequestSocket socket;
+    platform::nl80211::RequestSocket socket;
     if (socket.openError())
         return socket.openError()->description;
     if (interfaceNames().isEmpty())

@@ -50,7 +50,7 @@ QByteArray bssidOctets(const QString& bssid)
     return octets.size() == 6 ? octets : QByteArray();
 }
 
-bool isOwnBss(const nl80211::ScanEntry& entry)
+bool isOwnBss(const platform::nl80211::ScanEntry& entry)
 {
     return entry.status == NL80211_BSS_STATUS_ASSOCIATED || entry.status == NL80211_BSS_STATUS_IBSS_JOINED;
 }
@@ -61,13 +61,13 @@ LinuxWirelessInterface::LinuxWirelessInterface(QString name, std::shared_ptr<Net
                                                QObject* parent)
     : WirelessInterface(core::InterfaceGeneration::Later, parent), name_(std::move(name)), networkManager_(std::move(networkManager))
 {
-    rfkill_ = new rfkill::RfkillMonitor(rfkill::RfkillMonitor::openDevice(), this);
-    connect(rfkill_, &rfkill::RfkillMonitor::wlanPowerChanged, this, &WirelessInterface::powerDidChange);
+    rfkill_ = new platform::rfkill::RfkillMonitor(platform::rfkill::RfkillMonitor::openDevice(), this);
+    connect(rfkill_, &platform::rfkill::RfkillMonitor::wlanPowerChanged, this, &WirelessInterface::powerDidChange);
     if (networkManager_) {
         connect(networkManager_.get(), &NetworkManagerClient::wirelessEnabledChanged, this,
                 &WirelessInterface::powerDidChange);
     }
-    configEvents_ = std::make_unique<nl80211::EventSocket>(QStringList{QStringLiteral("config")});
+    configEvents_ = std::make_unique<platform::nl80211::EventSocket>(QStringList{QStringLiteral("config")});
     if (!configEvents_->openError()) {
         configNotifier_ = new QSocketNotifier(static_cast<qintptr>(configEvents_->fileDescriptor()),
                                               QSocketNotifier::Read, this);
@@ -83,7 +83,7 @@ LinuxWirelessInterface::~LinuxWirelessInterface()
 
 void LinuxWirelessInterface::readConfigEvents()
 {
-    QList<nl80211::Event> events;
+    QList<platform::nl80211::Event> events;
     const bool complete = configEvents_->drain(events);
     const int index = ifindex();
     bool modeChanged = !complete;
@@ -115,7 +115,7 @@ NmResult<QString> LinuxWirelessInterface::devicePath() const
 
 bool LinuxWirelessInterface::powerOn(const QString& wiphyName) const
 {
-    if (const auto index = rfkill::indexForWiphy(wiphyName)) {
+    if (const auto index = platform::rfkill::indexForWiphy(wiphyName)) {
         if (const auto on = rfkill_->wlanPowerOn(*index))
             return *on;
     }
@@ -135,18 +135,18 @@ InterfaceSnapshot LinuxWirelessInterface::snapshot() const
     InterfaceSnapshot snapshot;
     snapshot.interfaceName = name_;
     const int index = ifindex();
-    nl80211::RequestSocket socket;
+    platform::nl80211::RequestSocket socket;
     if (index == 0 || socket.openError())
         return snapshot;
 
-    std::optional<nl80211::InterfaceInfo> info;
+    std::optional<platform::nl80211::InterfaceInfo> info;
     for (const auto& candidate : socket.interfaces()) {
         if (candidate.ifindex == index)
             info = candidate;
     }
     if (!info)
         return snapshot;
-    nl80211::WiphyInfo wiphy;
+    platform::nl80211::WiphyInfo wiphy;
     for (const auto& candidate : socket.wiphys()) {
         if (info->wiphy && candidate.index == *info->wiphy)
             wiphy = candidate;
@@ -164,16 +164,16 @@ InterfaceSnapshot LinuxWirelessInterface::snapshot() const
     if (!snapshot.powerOn)
         return snapshot;
 
-    snapshot.wlanChannel = nl80211::channelOf(*info);
+    snapshot.wlanChannel = platform::nl80211::channelOf(*info);
     if (info->txPowerMbm)
-        snapshot.transmitPower = nl80211::milliwattsFromMbm(*info->txPowerMbm);
+        snapshot.transmitPower = platform::nl80211::milliwattsFromMbm(*info->txPowerMbm);
     snapshot.ssidData = info->ssid;
-    snapshot.ssid = derivation::ssidText(info->ssid);
+    snapshot.ssid = scan::ssidText(info->ssid);
 
     std::optional<ScanResult> accessPoint;
     for (const auto& entry : socket.scanDump(index, nullptr)) {
         if (isOwnBss(entry))
-            accessPoint = deriveScanResult(entry.facts);
+            accessPoint = scan::deriveScanResult(entry.facts);
     }
     if (!accessPoint)
         return snapshot;
@@ -184,7 +184,7 @@ InterfaceSnapshot LinuxWirelessInterface::snapshot() const
         snapshot.ssid = accessPoint->ssid;
     }
     snapshot.security = accessPoint->securityMode;
-    snapshot.activePHYMode = nl80211::activePhyMode(wiphy, *accessPoint);
+    snapshot.activePHYMode = platform::nl80211::activePhyMode(wiphy, *accessPoint);
     snapshot.rssiValue = accessPoint->rssiValue;
 
     if (const auto station = socket.station(index, accessPoint->bssid)) {
@@ -205,10 +205,10 @@ InterfaceSnapshot LinuxWirelessInterface::snapshot() const
     return snapshot;
 }
 
-QList<ScanResult> LinuxWirelessInterface::collectResults(nl80211::RequestSocket& socket, int index,
+QList<ScanResult> LinuxWirelessInterface::collectResults(platform::nl80211::RequestSocket& socket, int index,
                                                          MaybeError* error) const
 {
-    const QList<nl80211::ScanEntry> entries = socket.scanDump(index, error);
+    const QList<platform::nl80211::ScanEntry> entries = socket.scanDump(index, error);
     // Scan results carry no noise; drivers that measure it leave it in the channel survey.
     std::map<int, int> noiseByFrequency;
     for (const auto& entry : socket.survey(index)) {
@@ -222,15 +222,15 @@ QList<ScanResult> LinuxWirelessInterface::collectResults(nl80211::RequestSocket&
             if (noise != noiseByFrequency.end())
                 entry.facts.noiseDbm = noise->second;
         }
-        results.append(deriveScanResult(entry.facts));
+        results.append(scan::deriveScanResult(entry.facts));
     }
-    return nl80211::mergeHiddenDuplicates(results);
+    return platform::nl80211::mergeHiddenDuplicates(results);
 }
 
 QList<ScanResult> LinuxWirelessInterface::cachedScanResults() const
 {
     const int index = ifindex();
-    nl80211::RequestSocket socket;
+    platform::nl80211::RequestSocket socket;
     if (index == 0 || socket.openError())
         return {};
     return collectResults(socket, index, nullptr);
@@ -239,23 +239,23 @@ QList<ScanResult> LinuxWirelessInterface::cachedScanResults() const
 void LinuxWirelessInterface::waitForKernelScan(int index, const QList<QByteArray>& probes) const
 {
     // Listening starts before the trigger, or a quick scan could end unseen.
-    nl80211::EventSocket events(QStringList{QStringLiteral("scan")});
+    platform::nl80211::EventSocket events(QStringList{QStringLiteral("scan")});
     if (events.openError())
         return;
-    nl80211::RequestSocket socket;
+    platform::nl80211::RequestSocket socket;
     const MaybeError refused = socket.triggerScan(index, probes);
     // Busy: a scan someone else started is running; its results serve just as well. Any other
     // refusal (no CAP_NET_ADMIN, interface down) leaves the cached results.
     if (refused && refused->code != EBUSY)
         return;
-    nl80211::ScanCompletion completion(index, !refused);
+    platform::nl80211::ScanCompletion completion(index, !refused);
     const auto deadline = std::chrono::steady_clock::now() + scanTimeout;
     for (;;) {
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline
                                                                                 - std::chrono::steady_clock::now());
         if (left.count() <= 0 || !events.waitReadable(left))
             return;
-        QList<nl80211::Event> received;
+        QList<platform::nl80211::Event> received;
         if (!events.drain(received))
             return;
         for (const auto& event : received) {
@@ -269,7 +269,7 @@ ScanOutcome LinuxWirelessInterface::freshScan(const QList<QByteArray>& probes)
 {
     const int index = ifindex();
     if (index == 0)
-        return {{}, nl80211::errorFromErrno(ENODEV, QStringLiteral("Cannot scan on %1").arg(name_))};
+        return {{}, platform::nl80211::errorFromErrno(ENODEV, QStringLiteral("Cannot scan on %1").arg(name_))};
     // A device NetworkManager does not manage is scanned like one on a system without it.
     const bool managerRuns = networkManagerAvailable();
     const auto device = managerRuns ? networkManager_->devicePathForInterface(name_)
@@ -283,7 +283,7 @@ ScanOutcome LinuxWirelessInterface::freshScan(const QList<QByteArray>& probes)
     } else {
         waitForKernelScan(index, probes);
     }
-    nl80211::RequestSocket socket;
+    platform::nl80211::RequestSocket socket;
     ScanOutcome outcome;
     outcome.networks = collectResults(socket, index, &outcome.error);
     return outcome;

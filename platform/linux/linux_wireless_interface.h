@@ -54,13 +54,13 @@ private:
     bool powerOn(const QString& wiphyName) const;
     ScanOutcome freshScan(const QList<QByteArray>& probes);
     void waitForKernelScan(int index, const QList<QByteArray>& probes) const;
-    QList<ScanResult> collectResults(nl80211::RequestSocket& socket, int index, MaybeError* error) const;
+    QList<ScanResult> collectResults(platform::nl80211::RequestSocket& socket, int index, MaybeError* error) const;
     void readConfigEvents();
 
     QString name_;
     std::shared_ptr<NetworkManagerClient> networkManager_;
-    rfkill::RfkillMonitor* rfkill_ = nullptr;
-    std::unique_ptr<nl80211::EventSocket> configEvents_;
+    platform::rfkill::RfkillMonitor* rfkill_ = nullptr;
+    std::unique_ptr<platform::nl80211::EventSocket> configEvents_;
     QSocketNotifier* configNotifier_ = nullptr;
 };
 

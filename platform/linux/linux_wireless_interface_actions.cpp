@@ -16,7 +16,7 @@ MaybeError LinuxWirelessInterface::setPower(bool on)
         if (!managerError)
             return std::nullopt;
     }
-    const MaybeError switchError = rfkill::RfkillMonitor::setWlanSoftBlock(!on);
+    const MaybeError switchError = platform::rfkill::RfkillMonitor::setWlanSoftBlock(!on);
     if (!switchError)
         return std::nullopt;
     return managerError ? managerError : switchError;
@@ -83,7 +83,7 @@ QList<NetworkProfile> LinuxWirelessInterface::networkProfiles() const
         return {};
     QList<NetworkProfile> profiles;
     for (const auto& stored : networkManager_->savedWifiProfiles().value)
-        profiles.append({stored.ssid, derivation::ssidText(stored.ssid), stored.security});
+        profiles.append({stored.ssid, scan::ssidText(stored.ssid), stored.security});
     return profiles;
 }
 
@@ -96,7 +96,7 @@ QList<EapProfile> LinuxWirelessInterface::allUser8021XProfiles() const
         if (stored.eapIdentity.isEmpty())
             continue;
         // Passwords stay with NetworkManager until one is asked for by SSID.
-        profiles.append({stored.id, derivation::ssidText(stored.ssid), stored.eapIdentity, QString()});
+        profiles.append({stored.id, scan::ssidText(stored.ssid), stored.eapIdentity, QString()});
     }
     return profiles;
 }

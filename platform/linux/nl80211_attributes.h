@@ -9,7 +9,7 @@
 #include <array>
 
 // Length-checked reading of netlink attributes, shared by the nl80211 parsers.
-namespace nl80211::attributes {
+namespace platform::nl80211::attributes {
 
 template <int Max>
 using AttributeTable = std::array<nlattr*, Max + 1>;
@@ -97,4 +97,4 @@ inline QString readMac(const nlattr* attribute)
     return macText(readBytes(attribute).left(6));
 }
 
-} // namespace nl80211::attributes
+} // namespace platform::nl80211::attributes

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <map>
 
-namespace nl80211 {
+namespace platform::nl80211 {
 namespace {
 
 using namespace attributes;
@@ -219,7 +219,7 @@ std::optional<platform::WlanChannel> channelOf(const InterfaceInfo& info)
 {
     if (!info.frequencyMhz)
         return std::nullopt;
-    const auto number = derivation::channelForFrequency(*info.frequencyMhz);
+    const auto number = scan::channelForFrequency(*info.frequencyMhz);
     if (!number)
         return std::nullopt;
     platform::WlanChannel channel;
@@ -234,4 +234,4 @@ int milliwattsFromMbm(int mbm)
     return static_cast<int>(std::lround(std::pow(10.0, mbm / 1000.0)));
 }
 
-} // namespace nl80211
+} // namespace platform::nl80211

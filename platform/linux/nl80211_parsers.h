@@ -16,7 +16,7 @@ struct nl_msg;
 // Turns nl80211 reply and event messages into plain values. No socket code lives here, so tests
 // hand the parsers messages built in-process and exercise exactly the path live replies take.
 // Every attribute is length-checked before it is read: a short or missing one is simply absent.
-namespace nl80211 {
+namespace platform::nl80211 {
 
 struct InterfaceInfo {
     int ifindex = 0;
@@ -62,7 +62,7 @@ struct RegulatoryInfo {
 
 struct ScanEntry {
     int ifindex = 0;
-    RawBssFacts facts;
+    scan::RawBssFacts facts;
     std::optional<std::uint32_t> status;  // enum nl80211_bss_status, only on the interface's own BSS
 };
 
@@ -128,4 +128,4 @@ int milliwattsFromMbm(int mbm);
 // The highest generation both ends of the link speak on the link's band.
 int activePhyMode(const WiphyInfo& wiphy, const platform::ScanResult& accessPoint);
 
-} // namespace nl80211
+} // namespace platform::nl80211

@@ -14,7 +14,7 @@
 
 #include <cerrno>
 
-namespace nl80211 {
+namespace platform::nl80211 {
 namespace {
 
 // The kernel answers within microseconds; anything this slow means the socket is wedged.
@@ -374,4 +374,4 @@ bool EventSocket::waitReadable(std::chrono::milliseconds timeout) const
     return !openError_ && waitForInput(nl_socket_get_fd(socket_), timeout);
 }
 
-} // namespace nl80211
+} // namespace platform::nl80211

@@ -17,7 +17,7 @@ struct nl_sock;
 // Request plumbing to the kernel's nl80211 family: one get or dump in, every reply message out.
 // A socket serves one thread at a time (libnl sockets are not thread-safe), so callers open
 // their own for each burst of requests; opening costs one round trip.
-namespace nl80211 {
+namespace platform::nl80211 {
 
 using platform::MaybeError;
 using platform::PlatformError;
@@ -85,4 +85,4 @@ private:
 
 PlatformError errorFromErrno(int errnoValue, const QString& what);
 
-} // namespace nl80211
+} // namespace platform::nl80211

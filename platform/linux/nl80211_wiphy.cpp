@@ -2,7 +2,7 @@
 
 #include <linux/nl80211.h>
 
-namespace nl80211 {
+namespace platform::nl80211 {
 namespace {
 
 using namespace attributes;
@@ -138,7 +138,7 @@ QList<WiphyInfo> WiphyCollector::wiphys() const
             const ChannelBand channelBand = bandIndex == NL80211_BAND_2GHZ ? ChannelBand::Band2GHz
                                                                             : ChannelBand::Band5GHz;
             for (const auto& [mhz, disabled] : band.frequencies) {
-                const auto channel = derivation::channelForFrequency(mhz);
+                const auto channel = scan::channelForFrequency(mhz);
                 if (!disabled && channel)
                     info.channels.append({*channel, channelBand, ChannelWidthCode::Width20MHz});
             }
@@ -169,4 +169,4 @@ int activePhyMode(const WiphyInfo& wiphy, const platform::ScanResult& accessPoin
     return platform::PhyModeNone;
 }
 
-} // namespace nl80211
+} // namespace platform::nl80211

@@ -13,7 +13,7 @@
 #include <cerrno>
 #include <cstring>
 
-namespace rfkill {
+namespace platform::rfkill {
 
 std::optional<Event> parseEvent(const QByteArray& bytes)
 {
@@ -115,7 +115,7 @@ platform::MaybeError RfkillMonitor::setWlanSoftBlock(bool blocked, const QString
     const int fd = ::open(QFile::encodeName(devicePath).constData(), O_WRONLY | O_CLOEXEC);
     if (fd < 0)
         return fail(errno);
-    const QByteArray request = rfkill::softBlockRequest(blocked);
+    const QByteArray request = platform::rfkill::softBlockRequest(blocked);
     const ssize_t written = ::write(fd, request.constData(), static_cast<std::size_t>(request.size()));
     const int writeErrno = errno;
     ::close(fd);
@@ -155,4 +155,4 @@ void RfkillMonitor::readPending()
         emit wlanPowerChanged();
 }
 
-} // namespace rfkill
+} // namespace platform::rfkill

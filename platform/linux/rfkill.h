@@ -15,7 +15,7 @@ class QSocketNotifier;
 
 // The kernel's radio kill switches as /dev/rfkill reports them: which Wi-Fi radios are blocked
 // in software or by a hardware switch, and a notification whenever that changes.
-namespace rfkill {
+namespace platform::rfkill {
 
 struct Event {
     std::uint32_t index = 0;
@@ -75,4 +75,4 @@ private:
     SwitchTable table_;
 };
 
-} // namespace rfkill
+} // namespace platform::rfkill

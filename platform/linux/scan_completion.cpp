@@ -2,7 +2,7 @@
 
 #include <linux/nl80211.h>
 
-namespace nl80211 {
+namespace platform::nl80211 {
 
 ScanCompletion::ScanCompletion(int ifindex, bool waitForStart) : ifindex_(ifindex), started_(!waitForStart) {}
 
@@ -25,4 +25,4 @@ bool ScanCompletion::observe(const Event& event)
     }
 }
 
-} // namespace nl80211
+} // namespace platform::nl80211

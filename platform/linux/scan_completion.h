@@ -5,7 +5,7 @@
 // Tells which nl80211 event ends a scan this process is waiting for. The kernel runs one scan
 // per wiphy and announces its start and its end to every listener, so a completion that was
 // already on its way when the wait began belongs to an earlier scan and must not end the wait.
-namespace nl80211 {
+namespace platform::nl80211 {
 
 class ScanCompletion {
 public:
@@ -23,4 +23,4 @@ private:
     bool aborted_ = false;
 };
 
-} // namespace nl80211
+} // namespace platform::nl80211

@@ -45,10 +45,10 @@ RadioEnvironment::RadioEnvironment(std::uint64_t seed, int accessPointCount)
     securityCodes_.reserve(aps.size());
     beacons_.reserve(aps.size());
     for (const SimulatedAccessPoint& ap : aps) {
-        RawBssFacts facts;
+        scan::RawBssFacts facts;
         facts.capabilityInfo = ap.capabilityInfo;
         facts.informationElements = ap.beaconElements;
-        securityCodes_.push_back(deriveScanResult(facts).securityMode);
+        securityCodes_.push_back(scan::deriveScanResult(facts).securityMode);
         beacons_.push_back(ap.beaconElements);
     }
     beaconLoadSteps_.assign(aps.size(), std::numeric_limits<std::int64_t>::min());
@@ -131,7 +131,7 @@ int RadioEnvironment::transmitPowerMw(const QDateTime& at) const
 
 std::optional<std::size_t> RadioEnvironment::indexOfBssid(const QString& bssid) const
 {
-    const QString wanted = ScannerUtils::normalizeMAC(bssid);
+    const QString wanted = scan::ScannerUtils::normalizeMAC(bssid);
     const auto& aps = accessPoints();
     for (std::size_t i = 0; i < aps.size(); ++i) {
         if (aps[i].bssid.compare(wanted, Qt::CaseInsensitive) == 0)
@@ -173,7 +173,7 @@ const QByteArray& RadioEnvironment::currentBeacon(std::size_t index, std::int64_
 ScanResult RadioEnvironment::heard(std::size_t index, const QDateTime& at, bool revealName)
 {
     const SimulatedAccessPoint& ap = accessPoints()[index];
-    RawBssFacts facts;
+    scan::RawBssFacts facts;
     facts.bssid = ap.bssid;
     facts.frequencyMhz = ap.frequencyMhz;
     facts.signalDbm = signalDbm(index, at);
@@ -187,7 +187,7 @@ ScanResult RadioEnvironment::heard(std::size_t index, const QDateTime& at, bool 
         const BssLoad now = load(index, at);
         ElementBuilder::patchBssLoad(facts.informationElements, loadOffset, now.stationCount, now.utilization255);
     }
-    return deriveScanResult(facts);
+    return scan::deriveScanResult(facts);
 }
 
 QList<ScanResult> RadioEnvironment::scanAll(const QDateTime& at)

@@ -11,10 +11,10 @@ namespace {
 const QString htSelector =
     QStringLiteral("BSS requires support for mandatory features of HT PHY (IEEE 802.11 - Clause 20)");
 
-ScanedResultInfo network(int width, std::int64_t streams, std::int8_t sgi20, std::int8_t sgi40,
+scan::ScanedResultInfo network(int width, std::int64_t streams, std::int8_t sgi20, std::int8_t sgi40,
                          const QStringList& rates = {})
 {
-    ScanedResultInfo record;
+    scan::ScanedResultInfo record;
     record.channelWidth = width;
     record.numberOfStreams = streams;
     record.shortGIFor24MhzEnabled = sgi20;
@@ -29,7 +29,7 @@ TEST(DataRates, RateByteTexts)
         {"1B", "13.5"}, {"EC", "54(B)"}, {"FF", htSelector}, {"07", QString()}, {"6c", QString()}, {"6C0", QString()},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(IEEE_IE_FrameUtils::getBitRate(QLatin1String(c.hex)), c.text) << c.hex;
+        EXPECT_EQ(scan::IEEE_IE_FrameUtils::getBitRate(QLatin1String(c.hex)), c.text) << c.hex;
     }
 }
 
@@ -48,35 +48,35 @@ TEST(DataRates, ComputedRatesFollowWidthStreamsAndGuardInterval)
         {20, 0, 1, 1, {}},
     };
     for (const auto& c : cases) {
-        ScanedResultInfo r = network(c.width, c.streams, c.sgi20, c.sgi40);
+        scan::ScanedResultInfo r = network(c.width, c.streams, c.sgi20, c.sgi40);
         r.populateMaxDataRate();
         EXPECT_EQ(r.supportedDataRates, c.rates) << c.width << " MHz, " << c.streams << " streams";
     }
 
-    ScanedResultInfo threeStreams160 = network(160, 3, 0, 1);
+    scan::ScanedResultInfo threeStreams160 = network(160, 3, 0, 1);
     EXPECT_EQ(threeStreams160.getMaxDataRate(), QStringLiteral("2340"));
     EXPECT_FALSE(threeStreams160.supportedDataRates->contains(QStringLiteral("2600")));
 }
 
 TEST(DataRates, MergeSortAndMaximum)
 {
-    ScanedResultInfo legacyOnly = network(20, 0, 1, 1, {"11", "5.5", htSelector, "2", "1(B)", "5", "54(B)"});
+    scan::ScanedResultInfo legacyOnly = network(20, 0, 1, 1, {"11", "5.5", htSelector, "2", "1(B)", "5", "54(B)"});
     EXPECT_EQ(legacyOnly.getMaxDataRate(), QStringLiteral("54(B)"));
     EXPECT_EQ(legacyOnly.supportedDataRates, (QStringList{htSelector, "1(B)", "2", "5.5", "5", "11", "54(B)"}));
 
-    ScanedResultInfo merged = network(20, 1, 0, 0, {"54", "13", "1(B)"});
+    scan::ScanedResultInfo merged = network(20, 1, 0, 0, {"54", "13", "1(B)"});
     merged.populateMaxDataRate();
     const QStringList expected = {"1(B)", "6.5", "13", "19.4", "25.9", "38.9", "51.8", "54", "58.3", "64.8"};
     EXPECT_EQ(merged.supportedDataRates, expected);
     merged.populateMaxDataRate();
     EXPECT_EQ(merged.supportedDataRates, expected);
 
-    ScanedResultInfo absent = network(40, 2, 1, 1);
+    scan::ScanedResultInfo absent = network(40, 2, 1, 1);
     absent.supportedDataRates.reset();
     EXPECT_EQ(absent.getMaxDataRate(), QString());
     EXPECT_EQ(absent.supportedDataRates, QStringList());
 
-    ScanedResultInfo r = network(20, 1, 1, 1);
+    scan::ScanedResultInfo r = network(20, 1, 1, 1);
     EXPECT_EQ(r.getMaxDataRate(), QStringLiteral("72"));
     r.channelWidth = 80;
     r.numberOfStreams = 3;
@@ -93,8 +93,8 @@ TEST(DataRates, McsIndexOfTransmitRate)
         {433.3, 80, 0, 1, 0}, {1300.0, 160, 0, 1, 5}, {1e30, 20, 1, 1, 0},
     };
     for (const auto& c : cases) {
-        const ScanedResultInfo info = network(c.width, 1, c.sgi20, c.sgi40);
-        EXPECT_EQ(ScannerUtils::getMCSIndexUsingTXRate(c.rate, c.width, info), c.mcs) << c.rate << " at " << c.width;
+        const scan::ScanedResultInfo info = network(c.width, 1, c.sgi20, c.sgi40);
+        EXPECT_EQ(scan::ScannerUtils::getMCSIndexUsingTXRate(c.rate, c.width, info), c.mcs) << c.rate << " at " << c.width;
     }
 }
 

@@ -13,9 +13,9 @@ const QString htSelector =
     QStringLiteral("BSS requires support for mandatory features of HT PHY (IEEE 802.11 - Clause 20)");
 
 // A record as the driver hands it over after a reset, so "unchanged" is distinguishable.
-ScanedResultInfo parsed(const QByteArray& hex, int channelWidth = 20)
+scan::ScanedResultInfo parsed(const QByteArray& hex, int channelWidth = 20)
 {
-    ScanedResultInfo record;
+    scan::ScanedResultInfo record;
     record.bssid = QStringLiteral("00:11:22:33:44:55");
     record.shortGIFor24MhzEnabled = -1;
     record.shortGIFor40MhzEnabled = -1;
@@ -52,7 +52,7 @@ TEST(InformationElementParser, BssLoad)
         {"0B 01 05", -1, -1},
     };
     for (const auto& c : cases) {
-        const ScanedResultInfo r = parsed(c.hex);
+        const scan::ScanedResultInfo r = parsed(c.hex);
         EXPECT_EQ(r.connectedClientCount, c.clients) << c.hex;
         EXPECT_EQ(r.channelUtilization, c.utilization) << c.hex;
     }
@@ -66,7 +66,7 @@ TEST(InformationElementParser, HtCapabilitiesGuardIntervalAndStreams)
     };
     for (const auto& c : cases) {
         const QByteArray capabilities = QByteArray::number(c.capabilities, 16).rightJustified(2, '0');
-        const ScanedResultInfo r = parsed("2D1A" + capabilities + "0000" + c.mcs + QByteArray(38, '0'));
+        const scan::ScanedResultInfo r = parsed("2D1A" + capabilities + "0000" + c.mcs + QByteArray(38, '0'));
         EXPECT_EQ(r.shortGIFor24MhzEnabled, c.sgi20) << static_cast<int>(c.capabilities);
         EXPECT_EQ(r.shortGIFor40MhzEnabled, c.sgi40) << static_cast<int>(c.capabilities);
         EXPECT_EQ(r.numberOfStreams, c.streams) << static_cast<int>(c.capabilities);
@@ -83,7 +83,7 @@ TEST(InformationElementParser, RsnCiphers)
         {"30 08 0100 000FAC03 0000", "Reserved", ""},
     };
     for (const auto& c : cases) {
-        const ScanedResultInfo r = parsed(c.hex);
+        const scan::ScanedResultInfo r = parsed(c.hex);
         EXPECT_EQ(r.groupDataChiperEncryption, QLatin1String(c.group)) << c.hex;
         EXPECT_EQ(r.pairWiseChiperEncryption, QLatin1String(c.pairwise)) << c.hex;
     }
@@ -100,7 +100,7 @@ TEST(InformationElementParser, HtOperationAndMobilityDomain)
         {"3D 03 24 05 00", 80, 0, "Disabled", "N/A"},
     };
     for (const auto& c : cases) {
-        const ScanedResultInfo r = parsed(c.hex, c.width);
+        const scan::ScanedResultInfo r = parsed(c.hex, c.width);
         EXPECT_EQ(r.channelOffset, c.offset) << c.hex;
         EXPECT_EQ(r.protectionMode, QLatin1String(c.protection)) << c.hex;
         EXPECT_EQ(r.mobilityDomain, QLatin1String(c.mobility)) << c.hex;
@@ -128,24 +128,24 @@ TEST(InformationElementParser, ReadsPastTheEnd)
     EXPECT_EQ(parsed("30 00 01 04 82").supportedDataRates, QStringList());
     EXPECT_EQ(parsed("2D 00 01 04 82").supportedDataRates, QStringList{"1"});
 
-    const ScanedResultInfo load = parsed("0B 00 01 04 82");
+    const scan::ScanedResultInfo load = parsed("0B 00 01 04 82");
     EXPECT_EQ(load.connectedClientCount, 1025);
     EXPECT_EQ(load.channelUtilization, 51);
     EXPECT_EQ(load.supportedDataRates, QStringList{"1"});
 
-    const ScanedResultInfo caps = parsed("2D 1A 0C 00 00 FF FF");
+    const scan::ScanedResultInfo caps = parsed("2D 1A 0C 00 00 FF FF");
     EXPECT_EQ(caps.shortGIFor24MhzEnabled, 1);
     EXPECT_EQ(caps.numberOfStreams, 0);
 
-    const ScanedResultInfo rsn = parsed("30 0C 0100 000FAC04 0200 000FAC04");
+    const scan::ScanedResultInfo rsn = parsed("30 0C 0100 000FAC04 0200 000FAC04");
     EXPECT_EQ(rsn.groupDataChiperEncryption, QStringLiteral("CCMP"));
     EXPECT_TRUE(rsn.pairWiseChiperEncryption.isNull());
 
-    const ScanedResultInfo operation = parsed("3D 02 24 05");
+    const scan::ScanedResultInfo operation = parsed("3D 02 24 05");
     EXPECT_EQ(operation.channelOffset, 1);
     EXPECT_EQ(operation.protectionMode, QStringLiteral("N/A"));
 
-    ScanedResultInfo empty;
+    scan::ScanedResultInfo empty;
     empty.connectedClientCount = 3;
     empty.protectionMode = QStringLiteral("Disabled");
     empty.parseInformationElement(QByteArray::fromHex("01"));

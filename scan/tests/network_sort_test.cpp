@@ -20,21 +20,21 @@ TEST(NetworkSort, PhyModeComparesTheShownCode)
     const struct {
         std::uint32_t left, right;
         G generation;
-        ComparisonResult order;
+        scan::ComparisonResult order;
         int leftCode;
     } cases[] = {
-        {PhyA | PhyN, PhyB | PhyG | PhyN, G::Later, ComparisonResult::Same, 4},
-        {PhyA | PhyG, PhyB | PhyG, G::Later, ComparisonResult::Same, 3},
-        {PhyB | PhyG | PhyN, PhyAC, G::Later, ComparisonResult::Ascending, 4},
-        {PhyN, PhyB, G::Later, ComparisonResult::Descending, 4},
-        {0, PhyA, G::Later, ComparisonResult::Ascending, -1},
+        {PhyA | PhyN, PhyB | PhyG | PhyN, G::Later, scan::ComparisonResult::Same, 4},
+        {PhyA | PhyG, PhyB | PhyG, G::Later, scan::ComparisonResult::Same, 3},
+        {PhyB | PhyG | PhyN, PhyAC, G::Later, scan::ComparisonResult::Ascending, 4},
+        {PhyN, PhyB, G::Later, scan::ComparisonResult::Descending, 4},
+        {0, PhyA, G::Later, scan::ComparisonResult::Ascending, -1},
         // The oldest generation has no code for ac: such a network shows n.
-        {PhyN | PhyAC, PhyA | PhyN, G::OldestRelease, ComparisonResult::Same, 3},
-        {PhyA, PhyB, G::OldestRelease, ComparisonResult::Ascending, 0},
+        {PhyN | PhyAC, PhyA | PhyN, G::OldestRelease, scan::ComparisonResult::Same, 3},
+        {PhyA, PhyB, G::OldestRelease, scan::ComparisonResult::Ascending, 0},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(comparePhyMode(network(c.left), network(c.right), c.generation), c.order) << c.left << " " << c.right;
-        EXPECT_EQ(phyModeCode(network(c.left), c.generation), c.leftCode) << c.left;
+        EXPECT_EQ(scan::comparePhyMode(network(c.left), network(c.right), c.generation), c.order) << c.left << " " << c.right;
+        EXPECT_EQ(scan::phyModeCode(network(c.left), c.generation), c.leftCode) << c.left;
     }
 }
 

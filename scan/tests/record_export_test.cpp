@@ -53,9 +53,9 @@ protected:
         }
     }
 
-    static ScanedResultInfo sample(const char* exportType)
+    static scan::ScanedResultInfo sample(const char* exportType)
     {
-        ScanedResultInfo r;
+        scan::ScanedResultInfo r;
         r.exportType = QLatin1String(exportType);
         r.ssid = QStringLiteral("lab");
         r.bssid = QStringLiteral("AA:BB:CC:00:00:01");
@@ -87,7 +87,7 @@ protected:
 TEST_F(RecordExportTest, CsvRowCarriesEveryColumnInTheTableFormats)
 {
     showColumns(0);
-    ScanedResultInfo r = sample("csv");
+    scan::ScanedResultInfo r = sample("csv");
     EXPECT_EQ(r.toString(settings_),
               QStringLiteral("\"lab\",AA:BB:CC:00:00:01,desk,\"Acme Corp\",\"6,-1\",40 MHz,2.4 GHz,-50 dBm,-92 dBm,42 dB,"
                              "b/g/n,,54.0 Mbps,\"WPA2 Personal\",CCMP,,,,N/A,0%,N/A,N/A,No,,2024-05-06 07:08:09,\n"));
@@ -108,7 +108,7 @@ TEST_F(RecordExportTest, HtmlOmitsHiddenColumnsAndHeadingAgreesWithRow)
 {
     for (const std::uint32_t visible : {allColumns, 0u, 0x155555u, 0x092492u, 0x004000u}) {
         showColumns(visible);
-        ScanedResultInfo r = sample("html");
+        scan::ScanedResultInfo r = sample("html");
         const QString header = r.getHeader(settings_);
         const QString row = r.toString(settings_);
         EXPECT_TRUE(header.startsWith(QLatin1String("<thead><tr><th>SSID</th>")) && header.endsWith(QLatin1String("</thead>\n")));
@@ -147,7 +147,7 @@ TEST_F(RecordExportTest, VisibilityStoredAsTextStillShowsTheColumn)
     } cases[] = {{QStringLiteral("true"), true}, {QStringLiteral("1"), true}, {QStringLiteral("false"), false}, {true, true}};
     for (const auto& c : cases) {
         settings_.setValue(QStringLiteral("rssiColumnVisible"), c.stored);
-        ScanedResultInfo r = sample("html");
+        scan::ScanedResultInfo r = sample("html");
         EXPECT_EQ(r.getHeader(settings_).contains(QLatin1String("<th>Signal</th>")), c.shown) << c.stored.toString().toStdString();
         EXPECT_EQ(r.toString(settings_).contains(QLatin1String("<td>-50 dBm</td>")), c.shown);
     }
@@ -164,7 +164,7 @@ TEST_F(RecordExportTest, HostileTextsCannotBreakOutOfTheirCells)
         {"@SUM(A1)", "-2", "'@SUM(A1)", "'-2"},
     };
     for (const Case& c : cases) {
-        ScanedResultInfo r = sample("csv");
+        scan::ScanedResultInfo r = sample("csv");
         r.ssid = QString::fromUtf8(c.ssid);
         r.apname = QString::fromUtf8(c.apname);
         r.bssidTag = QString::fromUtf8(c.apname);
@@ -183,7 +183,7 @@ TEST_F(RecordExportTest, HostileTextsCannotBreakOutOfTheirCells)
 
 TEST(ValueTransformers, RegisteredNamesTurnNumbersIntoCellTexts)
 {
-    ValueTransformerRegistry::registerDefaultTransformers();
+    scan::ValueTransformerRegistry::registerDefaultTransformers();
     struct Case { const char* name; QVariant input; const char* text; };
     const Case cases[] = {
         {"NSBoolToStringTransformer", QVariant(), ""}, {"NSBoolToStringTransformer", -1, ""},
@@ -200,11 +200,11 @@ TEST(ValueTransformers, RegisteredNamesTurnNumbersIntoCellTexts)
         {"ChannelUtilizationTransformer", 51, "51%"},
     };
     for (const Case& c : cases) {
-        const auto transformer = ValueTransformerRegistry::valueTransformerForName(QLatin1String(c.name));
+        const auto transformer = scan::ValueTransformerRegistry::valueTransformerForName(QLatin1String(c.name));
         ASSERT_NE(transformer, nullptr) << c.name;
         const QString text = transformer->transformedValue(c.input);
         EXPECT_EQ(text, QLatin1String(c.text)) << c.name << " " << c.input.toString().toStdString();
         EXPECT_FALSE(text.isNull()) << c.name;
     }
-    EXPECT_EQ(ValueTransformerRegistry::valueTransformerForName(QStringLiteral("NSBoolToEnableDisableTransformer")), nullptr);
+    EXPECT_EQ(scan::ValueTransformerRegistry::valueTransformerForName(QStringLiteral("NSBoolToEnableDisableTransformer")), nullptr);
 }

@@ -34,12 +34,12 @@ protected:
         ASSERT_TRUE(oui.open(QIODevice::WriteOnly));
         oui.write("AA:BB:CC\tAcme Corp # test vendor\n");
         oui.close();
-        ScannerUtils::loadOuiFrom(oui.fileName());
+        scan::ScannerUtils::loadOuiFrom(oui.fileName());
     }
 
-    static StoredObservation row(double band, int rssi, int noise, const char* phy = "a/n/ac")
+    static scan::StoredObservation row(double band, int rssi, int noise, const char* phy = "a/n/ac")
     {
-        StoredObservation r;
+        scan::StoredObservation r;
         r.bssid = bssid;
         r.originalChannel = 36;
         r.phyModes = QLatin1String(phy);
@@ -71,7 +71,7 @@ TEST_F(RecordBuilderTest, NoiseDefaultsToTheBandFloorAndSnrNeverGoesNegative)
     const Case cases[] = {{5.0, -60, 0, -94, 34}, {2.4, -60, 0, -92, 32}, {0.0, -60, 0, -92, 32},
                           {5.0, -60, -90, -90, 30}, {2.4, -95, 0, -92, 0}, {3.0, -60, 0, 0, 0}};
     for (const Case& c : cases) {
-        const ScanedResultInfo record = buildRecord(row(c.band, c.rssi, c.noise), nullptr, core::InterfaceGeneration::Later, settings_);
+        const scan::ScanedResultInfo record = scan::buildRecord(row(c.band, c.rssi, c.noise), nullptr, core::InterfaceGeneration::Later, settings_);
         EXPECT_EQ(record.noise, c.expectedNoise) << c.band << " " << c.noise;
         EXPECT_EQ(record.singnalToNoise, c.expectedSnr) << c.band << " " << c.rssi;
     }
@@ -97,22 +97,22 @@ TEST_F(RecordBuilderTest, WidthOffsetAndStreamsOnBothInterfaceGenerations)
     const QHash<QString, QString> texts{{bssid, QStringLiteral("from the listing")}};
     for (const Case& c : cases) {
         const auto generation = c.oldest ? core::InterfaceGeneration::OldestRelease : core::InterfaceGeneration::Later;
-        const ScanedResultInfo record =
-            buildRecord(row(5.0, -50, -90, c.phy), network(c.elements, c.code), generation, settings_, &texts);
+        const scan::ScanedResultInfo record =
+            scan::buildRecord(row(5.0, -50, -90, c.phy), network(c.elements, c.code), generation, settings_, &texts);
         const std::string label = c.elements.toHex().toStdString() + " " + c.phy + (c.oldest ? " oldest" : "");
         EXPECT_EQ(record.channelWidth, c.width) << label;
         EXPECT_EQ(record.channelOffset, c.offset) << label;
         EXPECT_EQ(record.numberOfStreams, c.streams) << label;
         EXPECT_EQ(record.cc, c.oldest ? QStringLiteral("N/A") : QStringLiteral("DE"));
-        EXPECT_EQ(record.securityModeString, c.oldest ? ScannerUtils::stringForSecurityMode(3, generation) : texts.value(bssid));
+        EXPECT_EQ(record.securityModeString, c.oldest ? scan::ScannerUtils::stringForSecurityMode(3, generation) : texts.value(bssid));
     }
 }
 
 TEST_F(RecordBuilderTest, IdentityVendorTagAndChannelText)
 {
     settings_.setValue(bssid, QStringLiteral("Office"));
-    StoredObservation r = row(5.0, -50, -90);
-    ScanedResultInfo record = buildRecord(r, nullptr, core::InterfaceGeneration::Later, settings_);
+    scan::StoredObservation r = row(5.0, -50, -90);
+    scan::ScanedResultInfo record = scan::buildRecord(r, nullptr, core::InterfaceGeneration::Later, settings_);
     EXPECT_EQ(record.channel, QStringLiteral("36"));
     EXPECT_EQ(record.vendorName, QStringLiteral("Acme Corp"));
     EXPECT_EQ(record.bssidTag, QStringLiteral("Office"));
@@ -123,7 +123,7 @@ TEST_F(RecordBuilderTest, IdentityVendorTagAndChannelText)
 
     r.bssid = QStringLiteral("11:22:33:44:55:66");
     r.channel = QStringLiteral("36,+1");
-    record = buildRecord(r, nullptr, core::InterfaceGeneration::Later, settings_);
+    record = scan::buildRecord(r, nullptr, core::InterfaceGeneration::Later, settings_);
     EXPECT_EQ(record.channel, QStringLiteral("36,+1"));
     EXPECT_EQ(record.vendorName, QStringLiteral("Unknown"));
     EXPECT_EQ(record.bssidTag, QStringLiteral(""));
@@ -132,14 +132,14 @@ TEST_F(RecordBuilderTest, IdentityVendorTagAndChannelText)
 
 TEST(ScanedResultInfo, CopyCarriesOnlyElementFieldsAndResetClearsThem)
 {
-    ScanedResultInfo source;
+    scan::ScanedResultInfo source;
     source.bssid = bssid;
     source.rssi = -40;
     source.lastSeen = QDateTime::currentDateTime();
     source.maxDataRate = QStringLiteral("54");
     source.supportedDataRates = QStringList{QStringLiteral("54")};
 
-    ScanedResultInfo copy = source.copy();
+    scan::ScanedResultInfo copy = source.copy();
     EXPECT_TRUE(copy.bssid.isNull() && copy.rssi == 0 && !copy.lastSeen.isValid());
     EXPECT_EQ(copy.maxDataRate, source.maxDataRate);
     EXPECT_EQ(copy.supportedDataRates, source.supportedDataRates);

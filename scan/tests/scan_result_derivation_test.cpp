@@ -37,7 +37,7 @@ QByteArray security(bool rsn, std::initializer_list<int> akms)
 
 ScanResult derive(const QByteArray& elements, std::optional<int> frequency = {}, std::uint16_t capability = 0)
 {
-    return deriveScanResult(RawBssFacts{"00:11:22:33:44:55", frequency, -50, 0, capability, 100, elements});
+    return scan::deriveScanResult(scan::RawBssFacts{"00:11:22:33:44:55", frequency, -50, 0, capability, 100, elements});
 }
 
 } // namespace
@@ -54,8 +54,8 @@ TEST(Derivation, SsidText)
         {QByteArray::fromHex("e282"), QStringLiteral(u"\u00E2\u0082")},                    // cut short
     };
     for (const auto& [bytes, text] : cases) {
-        EXPECT_EQ(derivation::ssidText(bytes), text) << bytes.toHex().constData();
-        EXPECT_FALSE(derivation::ssidText(bytes).isNull());
+        EXPECT_EQ(scan::ssidText(bytes), text) << bytes.toHex().constData();
+        EXPECT_FALSE(scan::ssidText(bytes).isNull());
     }
     const ScanResult first = derive(ie(0, {'a', 'b'}) + ie(0, {'c'}));
     EXPECT_EQ(first.ssidData, QByteArray("ab"));
@@ -114,7 +114,7 @@ TEST(Derivation, RepeatedHtOperationUsesTheLastForWidthAndOffset)
     for (const auto& c : cases) {
         const ScanResult result = derive(c.elements);
         EXPECT_EQ(result.channelWidth, c.width) << c.elements.toHex().constData();
-        ScanedResultInfo record;
+        scan::ScanedResultInfo record;
         record.channelWidth = result.channelWidth == ChannelWidthCode::Width40MHz ? 40 : 20;
         record.parseInformationElement(c.elements);
         EXPECT_EQ(record.channelOffset, c.offset) << c.elements.toHex().constData();

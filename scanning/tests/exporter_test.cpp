@@ -43,9 +43,9 @@ QString readUtf8(const QString& path)
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-ScanedResultInfo record(const QString& ssid, const QString& bssid, const QString& apname = QStringLiteral("ap"))
+scan::ScanedResultInfo record(const QString& ssid, const QString& bssid, const QString& apname = QStringLiteral("ap"))
 {
-    ScanedResultInfo r;
+    scan::ScanedResultInfo r;
     r.ssid = ssid;
     r.bssid = bssid;
     r.apname = apname;
@@ -56,7 +56,7 @@ ScanedResultInfo record(const QString& ssid, const QString& bssid, const QString
     return r;
 }
 
-class FakeGraph : public GraphImageProvider {
+class FakeGraph : public scanning::GraphImageProvider {
 public:
     explicit FakeGraph(QString fileName) : fileName_(std::move(fileName)) {}
     bool saveGraphAsImageAtPath(const QString& folderPath) override
@@ -87,25 +87,25 @@ protected:
     }
 
     QString path(const QString& name) const { return dir_.filePath(name); }
-    QList<WiFiScanTest*> all() { return {&empty_, &office_, &lab_}; }
+    QList<scanning::WiFiScanTest*> all() { return {&empty_, &office_, &lab_}; }
 
     QTemporaryDir dir_;
-    platform::ManualClock clock_{exportTime};
+    testsupport::ManualClock clock_{exportTime};
     core::MemorySettings settings_;
-    WiFiScanTest empty_, office_, lab_;
+    scanning::WiFiScanTest empty_, office_, lab_;
 };
 
 TEST_F(ExporterTest, NamesAndDestinationPaths)
 {
-    const std::pair<ScanExporter::Kind, const char*> names[] = {
-        {ScanExporter::SelectedTestCsv, "skyvane-single-scan-export-20240309-14-05-07.csv"},
-        {ScanExporter::AllTestsCsv, "skyvane-all-scan-export-20240309-14-05-07.csv"},
-        {ScanExporter::SelectedTestHtml, "skyvane-single-scan-report-20240309-14-05-07.html"},
-        {ScanExporter::SelectedTestHtmlWithGraphs, "skyvane-single-scan-report-20240309-14-05-07.html"},
-        {ScanExporter::AllTestsHtml, "skyvane-all-scan-report-20240309-14-05-07.html"},
+    const std::pair<scanning::ScanExporter::Kind, const char*> names[] = {
+        {scanning::ScanExporter::SelectedTestCsv, "skyvane-single-scan-export-20240309-14-05-07.csv"},
+        {scanning::ScanExporter::AllTestsCsv, "skyvane-all-scan-export-20240309-14-05-07.csv"},
+        {scanning::ScanExporter::SelectedTestHtml, "skyvane-single-scan-report-20240309-14-05-07.html"},
+        {scanning::ScanExporter::SelectedTestHtmlWithGraphs, "skyvane-single-scan-report-20240309-14-05-07.html"},
+        {scanning::ScanExporter::AllTestsHtml, "skyvane-all-scan-report-20240309-14-05-07.html"},
     };
     for (const auto& [kind, name] : names)
-        EXPECT_EQ(ScanExporter::suggestedFileName(kind, exportTime), QLatin1String(name));
+        EXPECT_EQ(scanning::ScanExporter::suggestedFileName(kind, exportTime), QLatin1String(name));
 
     const std::pair<const char*, const char*> paths[] = {
         {"file://localhost/home/a/r.csv", "//home/a/r.csv"},
@@ -113,13 +113,13 @@ TEST_F(ExporterTest, NamesAndDestinationPaths)
         {"/home/a/r.csv", "/home/a/r.csv"},
     };
     for (const auto& [url, expected] : paths)
-        EXPECT_EQ(ScanExporter::destinationPath(QLatin1String(url)), QLatin1String(expected)) << url;
+        EXPECT_EQ(scanning::ScanExporter::destinationPath(QLatin1String(url)), QLatin1String(expected)) << url;
 }
 
 TEST_F(ExporterTest, CsvOfAllTestsHasOneHeadingEvenAfterAnEmptyTest)
 {
-    const ScanExporter exporter(clock_, settings_);
-    const auto result = exporter.startExporting(ScanExporter::AllTestsCsv, path("all.csv"), all(), nullptr);
+    const scanning::ScanExporter exporter(clock_, settings_);
+    const auto result = exporter.startExporting(scanning::ScanExporter::AllTestsCsv, path("all.csv"), all(), nullptr);
     ASSERT_EQ(result.writtenPath, path("all.csv"));
     const QString text = readUtf8(path("all.csv"));
     EXPECT_TRUE(text.startsWith(QLatin1String("\"Test Name\",")));
@@ -133,18 +133,18 @@ TEST_F(ExporterTest, CsvOfAllTestsHasOneHeadingEvenAfterAnEmptyTest)
 
 TEST_F(ExporterTest, HtmlBodyMarksConnectedRowAndClosesEmptyTests)
 {
-    EXPECT_EQ(ScanExporter(clock_, settings_).htmlBody({&empty_}), QLatin1String("</table><br><br>"));
+    EXPECT_EQ(scanning::ScanExporter(clock_, settings_).htmlBody({&empty_}), QLatin1String("</table><br><br>"));
 
-    const QString body = ScanExporter(clock_, settings_).htmlBody(all());
+    const QString body = scanning::ScanExporter(clock_, settings_).htmlBody(all());
     EXPECT_TRUE(body.startsWith(QLatin1String("</table><br><br><center style='font-size:18px; color:#f37736;'>"
                                               "<strong> Office</strong></center><br><table><thead>")));
     EXPECT_EQ(body.count(QLatin1String("<tr class=connected><td>Home</td>")), 1);
     EXPECT_EQ(body.count(QLatin1String("<tr class=connected><td>LabNet</td>")), 1);
     EXPECT_EQ(body.count(QLatin1String("<tr><td>Guest</td>")), 1);
 
-    const ScanExporter exporter(clock_, settings_);
-    for (const auto kind : {ScanExporter::SelectedTestHtml, ScanExporter::SelectedTestHtmlWithGraphs,
-                            ScanExporter::AllTestsHtml}) {
+    const scanning::ScanExporter exporter(clock_, settings_);
+    for (const auto kind : {scanning::ScanExporter::SelectedTestHtml, scanning::ScanExporter::SelectedTestHtmlWithGraphs,
+                            scanning::ScanExporter::AllTestsHtml}) {
         const auto result = exporter.startExporting(kind, path(QStringLiteral("r%1.html").arg(kind)), all(), &office_);
         EXPECT_TRUE(readUtf8(result.writtenPath).contains(QLatin1String("<tr class=connected><td>Home</td>"))) << kind;
     }
@@ -152,12 +152,12 @@ TEST_F(ExporterTest, HtmlBodyMarksConnectedRowAndClosesEmptyTests)
 
 TEST_F(ExporterTest, PageComesFromTheResourceOrTheFallbackTemplate)
 {
-    const QString page = ScanExporter(clock_, settings_).htmlPage(QStringLiteral("<p>{DATE}</p>"), exportTime);
+    const QString page = scanning::ScanExporter(clock_, settings_).htmlPage(QStringLiteral("<p>{DATE}</p>"), exportTime);
     EXPECT_TRUE(page.contains(QLatin1String("tr.connected")));
     EXPECT_TRUE(page.contains(QLatin1String("2024-03-09 14:05:07")));
     EXPECT_TRUE(page.contains(QLatin1String("<p>{DATE}</p>")));
 
-    const ScanExporter fallback(clock_, settings_, path(QStringLiteral("missing.html")));
+    const scanning::ScanExporter fallback(clock_, settings_, path(QStringLiteral("missing.html")));
     EXPECT_EQ(fallback.htmlPage(QStringLiteral("BODY"), exportTime),
               QLatin1String("<html><body><center><h1>Skyvane Export </h1></center></body><html><center><strong>"
                             "Export Date: </strong>2024-03-09 14:05:07</center><br>BODY"));
@@ -165,9 +165,9 @@ TEST_F(ExporterTest, PageComesFromTheResourceOrTheFallbackTemplate)
 
 TEST_F(ExporterTest, NothingWrittenWithoutSelectionOrWhenTheWriteFails)
 {
-    const ScanExporter exporter(clock_, settings_);
-    for (const auto kind : {ScanExporter::SelectedTestCsv, ScanExporter::SelectedTestHtml,
-                            ScanExporter::SelectedTestHtmlWithGraphs}) {
+    const scanning::ScanExporter exporter(clock_, settings_);
+    for (const auto kind : {scanning::ScanExporter::SelectedTestCsv, scanning::ScanExporter::SelectedTestHtml,
+                            scanning::ScanExporter::SelectedTestHtmlWithGraphs}) {
         const auto result = exporter.startExporting(kind, path(QStringLiteral("x")), all(), nullptr);
         EXPECT_TRUE(result.writtenPath.isEmpty());
         EXPECT_EQ(result.statusText, QLatin1String("Please select a test to generate the report."));
@@ -178,10 +178,10 @@ TEST_F(ExporterTest, NothingWrittenWithoutSelectionOrWhenTheWriteFails)
     QFile blocker(path(QStringLiteral("file")));
     ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
     const QString unwritable = path(QStringLiteral("file/sub/r"));
-    const std::pair<ScanExporter::Kind, const char*> failures[] = {
-        {ScanExporter::AllTestsCsv, "Unable to export CSV file. Please try agian."},
-        {ScanExporter::AllTestsHtml, "Unable to export HTML file. Please try agian."},
-        {ScanExporter::SelectedTestHtmlWithGraphs, "Unable to export HTML file. Please try agian."},
+    const std::pair<scanning::ScanExporter::Kind, const char*> failures[] = {
+        {scanning::ScanExporter::AllTestsCsv, "Unable to export CSV file. Please try agian."},
+        {scanning::ScanExporter::AllTestsHtml, "Unable to export HTML file. Please try agian."},
+        {scanning::ScanExporter::SelectedTestHtmlWithGraphs, "Unable to export HTML file. Please try agian."},
     };
     for (const auto& [kind, message] : failures) {
         const auto result = exporter.startExporting(kind, unwritable, all(), &lab_);
@@ -195,18 +195,18 @@ TEST_F(ExporterTest, NothingWrittenWithoutSelectionOrWhenTheWriteFails)
 // folder made for the failed export stays behind.
 TEST_F(ExporterTest, FailedWritesSayWhyAndLeaveNothingBehind)
 {
-    const ScanExporter exporter(clock_, settings_);
+    const scanning::ScanExporter exporter(clock_, settings_);
     const QString tooLong = path(QString(300, QLatin1Char('r')) + QLatin1String(".html"));
     const struct {
-        ScanExporter::Kind kind;
+        scanning::ScanExporter::Kind kind;
         QString target;
         const char* reason;
     } cases[] = {
-        {ScanExporter::AllTestsCsv, QStringLiteral("/dev/full"), "/dev/full: No space left on device"},
-        {ScanExporter::AllTestsHtml, QStringLiteral("/dev/full"), "/dev/full: No space left on device"},
-        {ScanExporter::SelectedTestCsv, QStringLiteral("/dev/full/x.csv"), "/dev/full/x.csv: "},
-        {ScanExporter::SelectedTestHtmlWithGraphs, tooLong, "File name too long"},
-        {ScanExporter::AllTestsCsv, tooLong, "File name too long"},
+        {scanning::ScanExporter::AllTestsCsv, QStringLiteral("/dev/full"), "/dev/full: No space left on device"},
+        {scanning::ScanExporter::AllTestsHtml, QStringLiteral("/dev/full"), "/dev/full: No space left on device"},
+        {scanning::ScanExporter::SelectedTestCsv, QStringLiteral("/dev/full/x.csv"), "/dev/full/x.csv: "},
+        {scanning::ScanExporter::SelectedTestHtmlWithGraphs, tooLong, "File name too long"},
+        {scanning::ScanExporter::AllTestsCsv, tooLong, "File name too long"},
     };
     for (const auto& c : cases) {
         const auto result = exporter.startExporting(c.kind, c.target, all(), &lab_);
@@ -221,10 +221,10 @@ TEST_F(ExporterTest, FailedWritesSayWhyAndLeaveNothingBehind)
 
 TEST_F(ExporterTest, GraphReportGetsItsOwnFolderImagesAndBlocks)
 {
-    const ScanExporter exporter(clock_, settings_);
+    const scanning::ScanExporter exporter(clock_, settings_);
     const QString folder = path(QStringLiteral("skyvane-single-scan-report-20240309-14-05"));
 
-    const auto bare = exporter.startExporting(ScanExporter::SelectedTestHtmlWithGraphs, path("g.html"), all(), &lab_);
+    const auto bare = exporter.startExporting(scanning::ScanExporter::SelectedTestHtmlWithGraphs, path("g.html"), all(), &lab_);
     EXPECT_EQ(bare.writtenPath, folder + QLatin1String("/g.html"));
     EXPECT_FALSE(QFileInfo::exists(path("g.html")));
     EXPECT_TRUE(QFileInfo(folder + QLatin1String("/skv-images")).isDir());
@@ -240,7 +240,7 @@ TEST_F(ExporterTest, GraphReportGetsItsOwnFolderImagesAndBlocks)
 
     FakeGraph g24(QStringLiteral("2-4ghzGRAPH.png")), g5(QStringLiteral("5ghzGRAPH.png"));
     FakeGraph rank(QStringLiteral("SSIDrankGRAPH.png"));
-    const auto full = exporter.startExporting(ScanExporter::SelectedTestHtmlWithGraphs, path("g.html"), all(), &lab_,
+    const auto full = exporter.startExporting(scanning::ScanExporter::SelectedTestHtmlWithGraphs, path("g.html"), all(), &lab_,
                                               {&g24, &g5, &rank});
     EXPECT_TRUE(full.statusText.isEmpty());
     EXPECT_EQ(rank.folder, folder + QLatin1String("/skv-images"));
@@ -253,16 +253,16 @@ TEST_F(ExporterTest, HostileNamesStayTextInBothFormats)
         QStringLiteral("<script>alert('x')</script>"), QStringLiteral("say \"hi\", all"),
         QStringLiteral("two\nlines"), QStringLiteral("=HYPERLINK(\"http://x\")"), QStringLiteral("a&b</td></tr>"),
     };
-    WiFiScanTest evil;
+    scanning::WiFiScanTest evil;
     evil.testLabel = QStringLiteral("=cmd|' /C calc'!A0, \"<b>\"\nx");
     for (qsizetype i = 0; i < hostile.size(); ++i)
         evil.scanedData1 << record(hostile[i], QStringLiteral("aa:00:00:00:00:0%1").arg(i), hostile[i]);
 
-    const ScanExporter exporter(clock_, settings_);
-    exporter.startExporting(ScanExporter::SelectedTestHtml, path("evil.html"), {&evil}, &evil);
+    const scanning::ScanExporter exporter(clock_, settings_);
+    exporter.startExporting(scanning::ScanExporter::SelectedTestHtml, path("evil.html"), {&evil}, &evil);
     const QString html = readUtf8(path("evil.html"));
     const QSet<QString> allowedTags = {"center", "strong", "br", "table", "thead", "tr", "th", "td"};
-    const QString body = ScanExporter(clock_, settings_).htmlBody({&evil});
+    const QString body = scanning::ScanExporter(clock_, settings_).htmlBody({&evil});
     static const QRegularExpression tag(QStringLiteral("</?([a-zA-Z0-9]+)[^>]*>"));
     for (auto it = tag.globalMatch(body); it.hasNext();) {
         const QString name = it.next().captured(1);
@@ -271,7 +271,7 @@ TEST_F(ExporterTest, HostileNamesStayTextInBothFormats)
     EXPECT_EQ(body.count(QLatin1String("<tr")), body.count(QLatin1String("</tr>")));
     EXPECT_TRUE(html.contains(evil.testLabel.toHtmlEscaped()));
 
-    exporter.startExporting(ScanExporter::SelectedTestCsv, path("evil.csv"), {&evil}, &evil);
+    exporter.startExporting(scanning::ScanExporter::SelectedTestCsv, path("evil.csv"), {&evil}, &evil);
     const auto rows = parseCsv(readUtf8(path("evil.csv")));
     ASSERT_EQ(rows.size(), hostile.size() + 1);
     for (qsizetype i = 1; i < rows.size(); ++i) {

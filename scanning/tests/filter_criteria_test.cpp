@@ -20,7 +20,7 @@ class ConditionTest : public ::testing::TestWithParam<ConditionCase> {};
 TEST_P(ConditionTest, BuildsTheConditionFragmentByFragment)
 {
     const ConditionCase& c = GetParam();
-    FilterCriteria filter;
+    scanning::FilterCriteria filter;
     filter.ssidForFilterValue = QString::fromUtf8(c.ssid);
     filter.channelForFilterValue = QString::fromUtf8(c.channel);
     filter.channelBandItem = c.band;
@@ -51,7 +51,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(FilterCriteria, RescanOnlyWhenTheConditionChanges)
 {
-    FilterCriteria filter;
+    scanning::FilterCriteria filter;
     EXPECT_FALSE(filter.userDidClickedApplyFilterButton());
     EXPECT_EQ(filter.changeFilterButtonState().title, QStringLiteral("Apply Filter"));
     EXPECT_FALSE(filter.changeFilterButtonState().highlighted);
@@ -84,7 +84,7 @@ TEST(FilterCriteria, OnlyNumbersPassInTheChannelAndSignalFields)
         {"Any", "-70) or (1=1", "The signal must be a whole number of dBm, not \"-70) or (1=1\"."},
     };
     for (const auto& c : cases) {
-        FilterCriteria filter;
+        scanning::FilterCriteria filter;
         filter.ssidForFilterValue = QStringLiteral("lab");
         ASSERT_TRUE(filter.userDidClickedApplyFilterButton());
         filter.channelForFilterValue = QString::fromUtf8(c.channel);
@@ -98,7 +98,7 @@ TEST(FilterCriteria, OnlyNumbersPassInTheChannelAndSignalFields)
 
 TEST(FilterCriteria, ClearEmptiesFieldsAndAsksForAScanOnlyAfterACondition)
 {
-    FilterCriteria filter;
+    scanning::FilterCriteria filter;
     filter.ssidForFilterValue = QStringLiteral("lab");
     filter.channelForFilterValue = QStringLiteral("6");
     filter.rssiValueForFilter = QStringLiteral("-70");
@@ -120,7 +120,7 @@ TEST(FilterCriteria, ClearEmptiesFieldsAndAsksForAScanOnlyAfterACondition)
 
 TEST(FilterCriteria, CompletionMatchesPrefixIgnoringCaseAndSortsPlainly)
 {
-    FilterCriteria filter;
+    scanning::FilterCriteria filter;
     for (const char* name : {"chalet", "Rich", "Chez", "chalet", "Lab"})
         filter.addSSID(QString::fromUtf8(name));
     for (const char* channel : {"6", "36", "11", "6"})
@@ -137,7 +137,7 @@ TEST(FilterCriteria, CompletionMatchesPrefixIgnoringCaseAndSortsPlainly)
 
 TEST(FilterCriteria, CompletionDoesNotReenter)
 {
-    FilterCriteria filter;
+    scanning::FilterCriteria filter;
     int completions = 0;
     filter.controlTextDidChange([&] {
         ++completions;

@@ -11,9 +11,9 @@
 
 namespace {
 
-ScanedResultInfo record(const char* bssid, const char* ssid, int rssi, std::int64_t utilization)
+scan::ScanedResultInfo record(const char* bssid, const char* ssid, int rssi, std::int64_t utilization)
 {
-    ScanedResultInfo r;
+    scan::ScanedResultInfo r;
     r.bssid = QString::fromLatin1(bssid);
     r.ssid = QString::fromLatin1(ssid);
     r.rssi = rssi;
@@ -33,7 +33,7 @@ protected:
     {
         QStringList titles;
         for (int c = 0; c < model_.columnCount(); ++c)
-            titles << model_.headerData(c, Qt::Horizontal, ResultsTableItemModel::IdentifierRole).toString();
+            titles << model_.headerData(c, Qt::Horizontal, scanning::ResultsTableItemModel::IdentifierRole).toString();
         return titles;
     }
 
@@ -43,9 +43,9 @@ protected:
     }
 
     core::MemorySettings settings_;
-    std::shared_ptr<WiFiScanTest> test_ = std::make_shared<WiFiScanTest>();
-    ResultsTableModel table_{settings_};
-    ResultsTableItemModel model_{table_};
+    std::shared_ptr<scanning::WiFiScanTest> test_ = std::make_shared<scanning::WiFiScanTest>();
+    scanning::ResultsTableModel table_{settings_};
+    scanning::ResultsTableItemModel model_{table_};
 };
 
 // A settings file gives back a switch stored as a boolean as the text "true".
@@ -94,7 +94,7 @@ TEST_F(ResultsTableItemModelTest, CellsUseTheDisplayTransformersAndSortValuesSta
     EXPECT_EQ(cell(2, "rssi"), QString());
     EXPECT_EQ(cell(0, "channelUtilization"), QString());
     EXPECT_EQ(cell(1, "channelUtilization"), QStringLiteral("37%"));
-    EXPECT_EQ(model_.data(model_.index(0, model_.columnOf(QStringLiteral("rssi"))), ResultsTableItemModel::SortValueRole),
+    EXPECT_EQ(model_.data(model_.index(0, model_.columnOf(QStringLiteral("rssi"))), scanning::ResultsTableItemModel::SortValueRole),
               QVariant(-60));
     EXPECT_FALSE(model_.data(model_.index(0, 0)).isValid());
 }

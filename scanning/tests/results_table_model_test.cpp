@@ -11,26 +11,26 @@
 
 namespace {
 
-class RecordingGraph : public GraphSink {
+class RecordingGraph : public scanning::GraphSink {
 public:
     QStringList calls;
-    void addPlotToGraph(const QString& bssid, const QList<ScanedResultInfo>& history) override
+    void addPlotToGraph(const QString& bssid, const QList<scan::ScanedResultInfo>& history) override
     {
         calls << QStringLiteral("add %1 %2").arg(bssid).arg(history.size());
     }
-    void updateGraphDataPoints(const QList<ScanedResultInfo>&, const QString& bssid) override { calls << "update " + bssid; }
+    void updateGraphDataPoints(const QList<scan::ScanedResultInfo>&, const QString& bssid) override { calls << "update " + bssid; }
     void removePlotFromGraph(const QString& bssid) override { calls << "remove " + bssid; }
-    void highlightGraph(const QString& bssid, const WiFiScanTest&) override { calls << "highlight " + bssid; }
-    void updateSSIDDetailsTab(const QString& bssid, const WiFiScanTest&) override { calls << "details " + bssid; }
-    void reloadGraph(const WiFiScanTest&) override { calls << QStringLiteral("reload"); }
+    void highlightGraph(const QString& bssid, const scanning::WiFiScanTest&) override { calls << "highlight " + bssid; }
+    void updateSSIDDetailsTab(const QString& bssid, const scanning::WiFiScanTest&) override { calls << "details " + bssid; }
+    void reloadGraph(const scanning::WiFiScanTest&) override { calls << QStringLiteral("reload"); }
     void didRemoveAllPlots() override { calls << QStringLiteral("removedAll"); }
-    void scanDidStartedByUser(const WiFiScanTest&) override { calls << QStringLiteral("started"); }
+    void scanDidStartedByUser(const scanning::WiFiScanTest&) override { calls << QStringLiteral("started"); }
     void scanDidStoppedByUser() override { calls << QStringLiteral("stopped"); }
 };
 
-ScanedResultInfo record(const char* bssid, const char* ssid, int channel, const char* rate, int sn)
+scan::ScanedResultInfo record(const char* bssid, const char* ssid, int channel, const char* rate, int sn)
 {
-    ScanedResultInfo r;
+    scan::ScanedResultInfo r;
     r.bssid = QString::fromLatin1(bssid);
     r.ssid = QString::fromUtf8(ssid);
     r.originalChannel = channel;
@@ -56,7 +56,7 @@ protected:
     QString order() const
     {
         QString bssids;
-        for (const ScanedResultInfo& r : test_->scanedData1)
+        for (const scan::ScanedResultInfo& r : test_->scanedData1)
             bssids += r.bssid;
         return bssids;
     }
@@ -64,8 +64,8 @@ protected:
     QTemporaryDir dir_;
     RecordingGraph graph_;
     core::MemorySettings settings_;
-    std::shared_ptr<WiFiScanTest> test_ = std::make_shared<WiFiScanTest>();
-    ResultsTableModel model_{settings_, &graph_};
+    std::shared_ptr<scanning::WiFiScanTest> test_ = std::make_shared<scanning::WiFiScanTest>();
+    scanning::ResultsTableModel model_{settings_, &graph_};
 };
 
 TEST_F(ResultsTableModelTest, SortsEachColumnByItsKey)
@@ -146,15 +146,15 @@ TEST_F(ResultsTableModelTest, UpdateViewPlotsNetworksWithHistoryAndDropsTheRest)
     EXPECT_EQ(graph_.calls, (QStringList{"remove D", "update A", "update B", "update C", "details ", "reload"}));
 
     graph_.calls.clear();
-    model_.updateView(std::make_shared<WiFiScanTest>());
+    model_.updateView(std::make_shared<scanning::WiFiScanTest>());
     EXPECT_TRUE(graph_.calls.isEmpty());
 }
 
 TEST_F(ResultsTableModelTest, CopyRowWritesTheSelectedRowsAsCsvInTableOrder)
 {
     model_.setSelectedRows({2, 0});
-    ScanedResultInfo first = test_->scanedData1[0];
-    ScanedResultInfo third = test_->scanedData1[2];
+    scan::ScanedResultInfo first = test_->scanedData1[0];
+    scan::ScanedResultInfo third = test_->scanedData1[2];
     first.exportType = third.exportType = QStringLiteral("csv");
     EXPECT_EQ(model_.copyRow(), first.toString(settings_) + "\n" + third.toString(settings_) + "\n");
     EXPECT_EQ(test_->scanedData1[0].exportType, QStringLiteral("csv"));
@@ -175,7 +175,7 @@ TEST_F(ResultsTableModelTest, TagsLiveInTheSettingsUnderTheBssid)
 
 TEST_F(ResultsTableModelTest, ColumnTogglesStoreTheShownStateUnderTheColumnKey)
 {
-    EXPECT_FALSE(record_columns::headerMenuColumns().contains(QStringLiteral("join")));
+    EXPECT_FALSE(scan::record_columns::headerMenuColumns().contains(QStringLiteral("join")));
 
     settings_.setValue(QStringLiteral("snColumnVisible"), true);
     model_.updateTableColumnsView();

@@ -35,9 +35,9 @@ platform::ScanResult network(const QString& ssid, const QString& bssid, int rssi
     return n;
 }
 
-ObservationRow row(const QString& ssid, const QString& bssid, int rssi, double seen, int channel = 6)
+scanning::ObservationRow row(const QString& ssid, const QString& bssid, int rssi, double seen, int channel = 6)
 {
-    return ObservationRow::fromScanResult(network(ssid, bssid, rssi, channel), QString::number(channel), seen,
+    return scanning::ObservationRow::fromScanResult(network(ssid, bssid, rssi, channel), QString::number(channel), seen,
                                           core::InterfaceGeneration::Later);
 }
 
@@ -79,7 +79,7 @@ protected:
 
 TEST_F(ScanDatabaseTest, ShippedCopyIsMigratedOnceAndIndexed)
 {
-    ScanDatabase database(databasePath());
+    scanning::ScanDatabase database(databasePath());
     ASSERT_TRUE(database.isOpen());
     database.updateDatabase();
     database.updateDatabase();
@@ -94,7 +94,7 @@ TEST_F(ScanDatabaseTest, ShippedCopyIsMigratedOnceAndIndexed)
 struct StoreCase {
     const char* name;
     bool merge;
-    QList<QList<ObservationRow>> scans;
+    QList<QList<scanning::ObservationRow>> scans;
     // Rows shown after the last scan as "bssid rssi lastSeen", in query order.
     QStringList shown;
 };
@@ -117,14 +117,14 @@ TEST_F(ScanDatabaseTest, StoredScansShowTheLatestObservations)
          {{row("Home", a, -70, 1), row("Home", b, -40, 1)}, {row("Home", a, -65, 2)}}, {b + " -40 1", a + " -65 2"}},
     };
     for (const StoreCase& test : cases) {
-        ScanDatabase database(databasePath(QString::fromLatin1(test.name)));
+        scanning::ScanDatabase database(databasePath(QString::fromLatin1(test.name)));
         database.updateDatabase();
         for (const auto& scan : test.scans)
             database.storeScan(scan, test.merge);
         const auto shown = database.readForDisplay(QString(), QString(), test.merge);
         ASSERT_TRUE(shown) << test.name;
         QStringList texts;
-        for (const StoredObservation& o : *shown)
+        for (const scan::StoredObservation& o : *shown)
             texts.append(QStringLiteral("%1 %2 %3").arg(o.bssid).arg(o.rssi).arg(o.lastSeen.toSecsSinceEpoch()));
         EXPECT_EQ(texts, test.shown) << test.name;
     }
@@ -133,7 +133,7 @@ TEST_F(ScanDatabaseTest, StoredScansShowTheLatestObservations)
 
 TEST_F(ScanDatabaseTest, FilterKeepsTheAssociatedNetworkAndAFailingFilterIsSkipped)
 {
-    ScanDatabase database(databasePath());
+    scanning::ScanDatabase database(databasePath());
     database.updateDatabase();
     database.storeScan({row("Home", "00:00:00:00:00:01", -50, 1), row("Shop", "00:00:00:00:00:02", -60, 1)}, true);
     for (bool merge : {true, false}) {
@@ -155,7 +155,7 @@ TEST_F(ScanDatabaseTest, FilterKeepsTheAssociatedNetworkAndAFailingFilterIsSkipp
 // plain characters, and SQL text selects nothing it names.
 TEST_F(ScanDatabaseTest, FilterValuesAreBoundNotSpliced)
 {
-    ScanDatabase database(databasePath());
+    scanning::ScanDatabase database(databasePath());
     database.updateDatabase();
     logged.clear();
     database.storeScan({row("O'Brien", "00:00:00:00:00:01", -50, 1), row("Joe's", "00:00:00:00:00:02", -60, 1),
@@ -170,14 +170,14 @@ TEST_F(ScanDatabaseTest, FilterValuesAreBoundNotSpliced)
         {"_", {"a_b"}},           {"' or 1=1 --", {}},   {"\\", {}},
     };
     for (const auto& c : cases) {
-        FilterCriteria filter;
+        scanning::FilterCriteria filter;
         filter.ssidForFilterValue = QString::fromUtf8(c.typed);
         filter.userDidClickedApplyFilterButton();
         for (bool merge : {false, true}) {
             const auto shown = database.readForDisplay(filter.condition, QString(), merge);
             ASSERT_TRUE(shown) << c.typed;
             QStringList names;
-            for (const StoredObservation& observation : *shown)
+            for (const scan::StoredObservation& observation : *shown)
                 names.append(observation.ssid);
             EXPECT_EQ(names, c.shown) << c.typed << merge;
             EXPECT_EQ(database.matchCount(filter.condition, QString()), c.shown.size()) << c.typed;
@@ -190,7 +190,7 @@ TEST_F(ScanDatabaseTest, FilterValuesAreBoundNotSpliced)
 // exactly what the literal statements do, in both merge modes and before the migration.
 TEST_F(ScanDatabaseTest, BatchedStoreMatchesTheLiteralStatements)
 {
-    const QList<QList<ObservationRow>> scans = {
+    const QList<QList<scanning::ObservationRow>> scans = {
         {row("SSID", "0:0:0:0:0:1", -50, 1), row("Cafe", "0:0:0:0:0:2", -60, 1), row("Bob's \"Net\"", "0:0:0:0:0:3", -70, 1),
          row(QString(), "0:0:0:0:0:4", -80, 1), row("!!!", "0:0:0:0:0:5", -75, 1), row("Cafe", "0:0:0:0:0:6", -65, 1)},
         {row("Cafe", "0:0:0:0:0:2", -55, 2), row("rowid", "0:0:0:0:0:7", -40, 2), row("ssid", "0:0:0:0:0:8", -45, 2),
@@ -198,8 +198,8 @@ TEST_F(ScanDatabaseTest, BatchedStoreMatchesTheLiteralStatements)
     };
     for (bool migrated : {true, false}) {
         for (bool merge : {true, false}) {
-            ScanDatabase batched(databasePath(QStringLiteral("batched%1%2").arg(migrated).arg(merge)));
-            ScanDatabase literal(databasePath(QStringLiteral("literal%1%2").arg(migrated).arg(merge)));
+            scanning::ScanDatabase batched(databasePath(QStringLiteral("batched%1%2").arg(migrated).arg(merge)));
+            scanning::ScanDatabase literal(databasePath(QStringLiteral("literal%1%2").arg(migrated).arg(merge)));
             if (migrated) {
                 batched.updateDatabase();
                 literal.updateDatabase();
@@ -209,7 +209,7 @@ TEST_F(ScanDatabaseTest, BatchedStoreMatchesTheLiteralStatements)
                 batched.storeScan(scan, merge);
                 const QStringList batchedLogs = logged;
                 logged.clear();
-                literal_scan_store::storeScan(literal, scan, merge);
+                testsupport::literal_scan_store::storeScan(literal, scan, merge);
                 EXPECT_EQ(batchedLogs, logged) << migrated << merge;
                 EXPECT_EQ(query(batched.handle()), query(literal.handle())) << migrated << merge;
             }
@@ -221,7 +221,7 @@ TEST_F(ScanDatabaseTest, BatchedStoreMatchesTheLiteralStatements)
 TEST_F(ScanDatabaseTest, CountsAreLeftInTheSettings)
 {
     core::MemorySettings settings;
-    ScanDatabase database(databasePath());
+    scanning::ScanDatabase database(databasePath());
     database.updateDatabase();
     database.storeScan({row("A", "0:0:0:0:0:1", -50, 1, 1), row("B", "0:0:0:0:0:2", -50, 1, 14), row("C", "0:0:0:0:0:3", -50, 1, 36)},
                        true);
@@ -249,7 +249,7 @@ TEST(ObservationRowTest, BothInterfaceGenerations)
     };
     for (const Case& c : cases) {
         const auto generation = c.oldest ? core::InterfaceGeneration::OldestRelease : core::InterfaceGeneration::Later;
-        const ObservationRow r = ObservationRow::fromScanResult(*c.n, QStringLiteral("40,+1"), 7.0, generation);
+        const scanning::ObservationRow r = scanning::ObservationRow::fromScanResult(*c.n, QStringLiteral("40,+1"), 7.0, generation);
         const QStringList actual = {r.channel, r.phyMode, r.noise, r.ssid, r.bssid, QString::number(r.singnalToNoise), r.securityMode,
                                     r.ibss, QString::number(r.channelBond), r.normalizedSsid, QString::number(r.hidden)};
         EXPECT_EQ(actual, c.expected) << c.oldest;
@@ -264,7 +264,7 @@ TEST_F(ScanDatabaseTest, KillDuringAScanLeavesAConsistentTable)
     for (int attempt = 0; attempt < 8; ++attempt) {
         const QString path = databasePath(QStringLiteral("killed%1").arg(attempt));
         {
-            ScanDatabase setup(path);
+            scanning::ScanDatabase setup(path);
             setup.updateDatabase();
         }
         int ready[2];
@@ -272,9 +272,9 @@ TEST_F(ScanDatabaseTest, KillDuringAScanLeavesAConsistentTable)
         const pid_t child = fork();
         ASSERT_GE(child, 0);
         if (child == 0) {
-            ScanDatabase database(path);
+            scanning::ScanDatabase database(path);
             for (int scan = 1;; ++scan) {
-                QList<ObservationRow> rows;
+                QList<scanning::ObservationRow> rows;
                 for (int i = 0; i < networks; ++i)
                     rows.append(row(QStringLiteral("N%1").arg(i), QStringLiteral("02:00:00:00:%1:%2").arg(i / 256).arg(i % 256), -50, scan));
                 database.storeScan(rows, false);
@@ -292,7 +292,7 @@ TEST_F(ScanDatabaseTest, KillDuringAScanLeavesAConsistentTable)
         if (QFile(path + QStringLiteral("-journal")).size() > 0)
             ++interrupted;
 
-        ScanDatabase reopened(path);
+        scanning::ScanDatabase reopened(path);
         EXPECT_EQ(query(reopened.handle(), "pragma integrity_check"), QStringList{"ok:3"});
         EXPECT_EQ(query(reopened.handle(), "select count(*), count(distinct lastSeen) from wifi_scan_data"),
                   QStringList{QStringLiteral("%1:1|1:1").arg(networks)});

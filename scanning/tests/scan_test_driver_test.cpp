@@ -115,19 +115,19 @@ public:
     platform::CommandOutput output{{}, {}, 0, true};
 };
 
-class RecordingListener : public ScanResultsListener {
+class RecordingListener : public scanning::ScanResultsListener {
 public:
-    void setCurrentTest(const std::shared_ptr<WiFiScanTest>& test) override { current = test; }
+    void setCurrentTest(const std::shared_ptr<scanning::WiFiScanTest>& test) override { current = test; }
     void reset() override { selection.clear(); }
     void clearView() override { current.reset(); }
-    void updateView(const std::shared_ptr<WiFiScanTest>&) override {}
-    void scanDidStartedByUser(const std::shared_ptr<WiFiScanTest>&) override { running = true; }
+    void updateView(const std::shared_ptr<scanning::WiFiScanTest>&) override {}
+    void scanDidStartedByUser(const std::shared_ptr<scanning::WiFiScanTest>&) override { running = true; }
     void scanDidStoppedByUser() override { running = false; }
     QStringList selectedBssids() const override { return selection; }
     void setSelectedBssids(const QStringList& bssids) override { selection = bssids; }
     bool shouldPlotAll() const override { return false; }
 
-    std::shared_ptr<WiFiScanTest> current;
+    std::shared_ptr<scanning::WiFiScanTest> current;
     QStringList selection;
     bool running = false;
 };
@@ -164,17 +164,17 @@ protected:
         driver.scanButtonPressed();
         settle();
     }
-    std::shared_ptr<WiFiScanTest> newest() const { return driver.wifiScanTestArray().first(); }
+    std::shared_ptr<scanning::WiFiScanTest> newest() const { return driver.wifiScanTestArray().first(); }
 
     QTemporaryDir folder;
-    platform::ManualClock clock{launch};
-    FakeTimerSource timers{clock};
+    testsupport::ManualClock clock{launch};
+    testsupport::FakeTimerSource timers{clock};
     std::shared_ptr<FakeInterface> interface = std::make_shared<FakeInterface>();
     CannedRunner runner;
-    ScanDatabase database{folder.filePath(QStringLiteral("Database.sqlite"))};
+    scanning::ScanDatabase database{folder.filePath(QStringLiteral("Database.sqlite"))};
     RecordingListener listener;
     core::MemorySettings settings{{{QStringLiteral("mergeScanResults"), 0}}};
-    ScanTestDriver driver{interface, database, settings, timers, runner, QStringLiteral("/opt/skyvane/skyvane-cli"),
+    scanning::ScanTestDriver driver{interface, database, settings, timers, runner, QStringLiteral("/opt/skyvane/skyvane-cli"),
                           {QStringLiteral("--simulate")}};
 };
 
@@ -294,7 +294,7 @@ TEST_F(ScanTestDriverTest, HistoryIsBoundedAndStaleRowsAddNoSample)
     for (int i = 0; i < 15; ++i)
         tick();
     const auto& histories = newest()->scanedResults;
-    EXPECT_EQ(histories.value("3C:A6:2F:38:F3:E0").size(), WiFiScanTest::maxHistory);
+    EXPECT_EQ(histories.value("3C:A6:2F:38:F3:E0").size(), scanning::WiFiScanTest::maxHistory);
     // One interval old still counts, two do not: the gone network stays listed with 2 samples.
     EXPECT_EQ(histories.value("00:0B:86:AB:34:80").size(), 2);
     EXPECT_EQ(newest()->scanedData1.size(), 2);
@@ -348,7 +348,7 @@ TEST(ChannelInfoParser, ReadsChannelAndSecurityFieldsOfTheToolListing)
         "                     Skyvane Lab 00:0B:86:AB:34:80  -63 44,+1   Y  DE WPA(PSK/TKIP/TKIP) WPA2(PSK/AES/AES)\n"
         "                      Cafe Guest FC:EC:DA:56:EC:80  -71\t11,-1   Y  -- NONE\r\n"
         "too short\n";
-    const ChannelInfo info = parseChannelInfo(listing);
+    const scanning::ChannelInfo info = scanning::parseChannelInfo(listing);
     EXPECT_EQ(info.channelByBssid, (QHash<QString, QString>{{"3C:A6:2F:38:F3:E0", "6"},
                                                             {"00:0B:86:AB:34:80", "44,+1"},
                                                             {"FC:EC:DA:56:EC:80", "11,-1"}}));
@@ -367,7 +367,7 @@ TEST_F(ScanTestDriverTest, ChannelTextIsKeptOnlyWhileItMatchesTheScannedChannel)
     start();
     EXPECT_EQ(driver.bssidToChannelMapping(), (QHash<QString, QString>{{"00:0B:86:AB:34:80", "44,+1"}}));
     const auto& rows = newest()->scanedData1;
-    const auto home = std::find_if(rows.begin(), rows.end(), [](const ScanedResultInfo& r) { return r.ssid == "Home"; });
+    const auto home = std::find_if(rows.begin(), rows.end(), [](const scan::ScanedResultInfo& r) { return r.ssid == "Home"; });
     ASSERT_NE(home, rows.end());
     EXPECT_EQ(home->securityModeString, "Open");
 
@@ -380,10 +380,10 @@ TEST_F(ScanTestDriverTest, ChannelTextIsKeptOnlyWhileItMatchesTheScannedChannel)
 TEST_F(ScanTestDriverTest, RemovalRefusesTheRunningTestAndAsksBeforeDeleting)
 {
     QStringList alerts;
-    QObject::connect(&driver, &ScanTestDriver::alertRequested, [&](const QString& text) { alerts.append(text); });
-    std::vector<ScanTestDriver::Question> asked;
+    QObject::connect(&driver, &scanning::ScanTestDriver::alertRequested, [&](const QString& text) { alerts.append(text); });
+    std::vector<scanning::ScanTestDriver::Question> asked;
     bool answer = false;
-    driver.setConfirmation([&](const ScanTestDriver::Question& q) {
+    driver.setConfirmation([&](const scanning::ScanTestDriver::Question& q) {
         asked.push_back(q);
         return answer;
     });
@@ -436,9 +436,9 @@ TEST_F(ScanTestDriverTest, TheInFlightGateBelongsToOneLoop)
     auto other = std::make_shared<FakeInterface>();
     other->outcomes = interface->outcomes;
     QTemporaryDir otherFolder;
-    ScanDatabase otherDatabase(otherFolder.filePath(QStringLiteral("Database.sqlite")));
+    scanning::ScanDatabase otherDatabase(otherFolder.filePath(QStringLiteral("Database.sqlite")));
     otherDatabase.updateDatabase();
-    ScanTestDriver second{other, otherDatabase, settings, timers, runner, QStringLiteral("skyvane-cli"), {}};
+    scanning::ScanTestDriver second{other, otherDatabase, settings, timers, runner, QStringLiteral("skyvane-cli"), {}};
     interface->setGateOpen(false);
     driver.scanButtonPressed();
     second.scanButtonPressed();
@@ -498,7 +498,7 @@ public:
 TEST_F(ScanTestDriverTest, AFailedScanUpdateLogsTheReasonAndTheCallStackAndTheLoopGoesOn)
 {
     FailingSettings failing;
-    ScanTestDriver failingDriver{interface, database, failing, timers, runner, QStringLiteral("skyvane-cli"), {}};
+    scanning::ScanTestDriver failingDriver{interface, database, failing, timers, runner, QStringLiteral("skyvane-cli"), {}};
     failing.failing = true;
     failingDriver.scanButtonPressed();
     failingDriver.waitForBackgroundWork();
@@ -516,7 +516,7 @@ TEST_F(ScanTestDriverTest, AFailedScanUpdateLogsTheReasonAndTheCallStackAndTheLo
 TEST_F(ScanTestDriverTest, ADatabaseThatCannotBeEmptiedStartsNoTest)
 {
     QStringList failures;
-    QObject::connect(&driver, &ScanTestDriver::databaseFailed, [&](const QString& text) { failures.append(text); });
+    QObject::connect(&driver, &scanning::ScanTestDriver::databaseFailed, [&](const QString& text) { failures.append(text); });
     sqlite3_exec(database.handle(), "DROP TABLE wifi_scan_data", nullptr, nullptr, nullptr);
     start();
     EXPECT_TRUE(driver.wifiScanTestArray().isEmpty());

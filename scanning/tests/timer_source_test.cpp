@@ -16,8 +16,8 @@ const QDateTime start(QDate(2024, 5, 1), QTime(12, 0), Qt::UTC);
 
 TEST(FakeTimerSource, KeepsTheRhythmAndNeverFiresDroppedTimers)
 {
-    platform::ManualClock clock(start);
-    FakeTimerSource timers(clock);
+    testsupport::ManualClock clock(start);
+    testsupport::FakeTimerSource timers(clock);
     std::vector<qint64> repeatingFires;
     int oneShotFires = 0;
     int droppedFires = 0;
@@ -27,7 +27,7 @@ TEST(FakeTimerSource, KeepsTheRhythmAndNeverFiresDroppedTimers)
     invalidated->invalidate();
     timers.scheduledTimer(1s, true, [&] { ++droppedFires; }).reset();
     // A timer may drop another one from its action, as the stop button drops the scan timer.
-    std::unique_ptr<Timer> victim = timers.scheduledTimer(2s, true, [&] { ++droppedFires; });
+    std::unique_ptr<scanning::Timer> victim = timers.scheduledTimer(2s, true, [&] { ++droppedFires; });
     auto killer = timers.scheduledTimer(1s, false, [&] { victim.reset(); });
 
     timers.advance(7s);
@@ -48,13 +48,13 @@ TEST(QtTimerSource, FiresOnTheEventLoopUntilParked)
     if (!QCoreApplication::instance())
         new QCoreApplication(argc, argv);
     platform::SystemClock clock;
-    QtTimerSource timers(clock);
+    scanning::QtTimerSource timers(clock);
     QEventLoop loop;
     int fires = 0;
-    std::unique_ptr<Timer> timer;
+    std::unique_ptr<scanning::Timer> timer;
     timer = timers.scheduledTimer(20ms, true, [&] {
         if (++fires == 2) {
-            timer->setFireDate(TimerSource::distantFuture());
+            timer->setFireDate(scanning::TimerSource::distantFuture());
             loop.quit();
         }
     });

@@ -33,7 +33,7 @@ TEST(ScanArguments, FilterFieldsBuildTheCondition)
     };
     for (const auto& c : cases) {
         QString error;
-        const auto request = cli::parseScanArguments(c.arguments, &error);
+        const auto request = app::cli::parseScanArguments(c.arguments, &error);
         ASSERT_TRUE(request) << error.toStdString();
         EXPECT_EQ(request->filter.filterCriteria, QLatin1String(c.condition)) << c.arguments.join(' ').toStdString();
     }
@@ -49,7 +49,7 @@ TEST(ScanArguments, RejectsWhatFormsNoRun)
     };
     for (const QStringList& arguments : bad) {
         QString error;
-        EXPECT_FALSE(cli::parseScanArguments(arguments, &error)) << arguments.join(' ').toStdString();
+        EXPECT_FALSE(app::cli::parseScanArguments(arguments, &error)) << arguments.join(' ').toStdString();
         EXPECT_FALSE(error.isEmpty());
     }
 }
@@ -68,7 +68,7 @@ TEST(CommandWord, SkipsBackendOptionsAndTheirValuesOnly)
         {{"--simulate", "--capture"}, ""},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(cli::commandWord(c.arguments), QLatin1String(c.command)) << c.arguments.join(' ').toStdString();
+        EXPECT_EQ(app::cli::commandWord(c.arguments), QLatin1String(c.command)) << c.arguments.join(' ').toStdString();
 }
 
 TEST(ScanCommand, PrintsEveryScanAndExportsAtTheEnd)

@@ -30,12 +30,12 @@ namespace {
 
 const QString cli = QStringLiteral(SKYVANE_BINARY_DIR "/app/cli/skyvane-cli");
 
-std::optional<QList<cli::GpxPoint>> parseGpx(const QByteArray& text, QString* error)
+std::optional<QList<app::cli::GpxPoint>> parseGpx(const QByteArray& text, QString* error)
 {
     QBuffer buffer;
     buffer.setData(text);
     buffer.open(QIODevice::ReadOnly);
-    return cli::readGpxTrack(buffer, error);
+    return app::cli::readGpxTrack(buffer, error);
 }
 
 TEST(GpxTrack, ReadsTrackPointsAndNamesWhatIsWrong)
@@ -76,7 +76,7 @@ TEST(GpxTrack, ReadsTrackPointsAndNamesWhatIsWrong)
 
 TEST(PhoneReadings, RoundsOfFourLinesThatTheListenerReads)
 {
-    cli::PhoneReadings walk;
+    app::cli::PhoneReadings walk;
     EXPECT_FALSE(walk.lineCount());
     const int expectedIds[] = {1, 2, 3, 4, 1, 2, 3, 4};
     const qsizetype expectedValues[] = {5, 2, 3, 3};
@@ -89,8 +89,8 @@ TEST(PhoneReadings, RoundsOfFourLinesThatTheListenerReads)
         EXPECT_EQ(parsed->date.toMSecsSinceEpoch(), 1'714'557'600'123);
     }
 
-    cli::GpxPoint timed{10.0, 20.0, 5.0, QDateTime::fromMSecsSinceEpoch(1'000'000'000'000, Qt::UTC)};
-    cli::PhoneReadings replay({timed, {10.001, 20.0, 6.0, {}}});
+    app::cli::GpxPoint timed{10.0, 20.0, 5.0, QDateTime::fromMSecsSinceEpoch(1'000'000'000'000, Qt::UTC)};
+    app::cli::PhoneReadings replay({timed, {10.001, 20.0, 6.0, {}}});
     EXPECT_EQ(replay.lineCount(), 8);
     EXPECT_EQ(replay.nextLine(5, 1.0), "1000000000000,1,10.0000000,20.0000000,5.0,5.0,8.0");
     for (int i = 0; i < 3; ++i)

@@ -57,7 +57,7 @@ QByteArray htOperation(int channel, int secondary)
 
 platform::ScanResult network(const QByteArray& ssid, int channel, const QByteArray& extra, bool privacy = false)
 {
-    RawBssFacts facts;
+    scan::RawBssFacts facts;
     facts.bssid = QStringLiteral("0a:1b:2c:3d:4e:5f");
     facts.signalDbm = -61;
     facts.noiseDbm = -92;
@@ -65,7 +65,7 @@ platform::ScanResult network(const QByteArray& ssid, int channel, const QByteArr
     facts.beaconInterval = 100;
     facts.informationElements = element(0, ssid) + element(1, "\x82\x84\x8b\x96\x0c\x12\x18\x24")
                                 + element(3, QByteArray(1, static_cast<char>(channel))) + extra;
-    return deriveScanResult(facts);
+    return scan::deriveScanResult(facts);
 }
 
 struct ParsedLine {
@@ -120,29 +120,29 @@ TEST(ToolListing, LinesReadBackThroughTheScannersColumnRules)
         {"\xe4\xb8\xad\xe6\x96\x87 caf\xc3\xa9", network("\xe4\xb8\xad\xe6\x96\x87 caf\xc3\xa9", 2, {}), "2", "Open"},
     };
     for (const Case& c : cases) {
-        const QString line = cli::scanListingLine(c.network);
+        const QString line = app::cli::scanListingLine(c.network);
         SCOPED_TRACE(line.toStdString());
         EXPECT_FALSE(line.contains(QLatin1Char('\n')));
-        ASSERT_GT(line.size(), cli::kSsidColumns);
-        EXPECT_EQ(line.left(cli::kSsidColumns).trimmed(),
-                  c.network.ssid.left(cli::kSsidColumns).replace(QLatin1Char('\n'), QLatin1Char('?')).trimmed());
-        for (qsizetype from : {cli::kSsidColumns, cli::kSsidColumns + 1}) {
+        ASSERT_GT(line.size(), app::cli::kSsidColumns);
+        EXPECT_EQ(line.left(app::cli::kSsidColumns).trimmed(),
+                  c.network.ssid.left(app::cli::kSsidColumns).replace(QLatin1Char('\n'), QLatin1Char('?')).trimmed());
+        for (qsizetype from : {app::cli::kSsidColumns, app::cli::kSsidColumns + 1}) {
             const ParsedLine parsed = parseListingLine(line, from);
             EXPECT_EQ(parsed.bssid, QStringLiteral("0A:1B:2C:3D:4E:5F"));
             EXPECT_EQ(parsed.channel, c.channel);
             EXPECT_EQ(parsed.security, c.security);
         }
     }
-    const QString heading = cli::scanListingHeading();
-    EXPECT_EQ(heading.indexOf(QStringLiteral("SSID")), cli::kSsidColumns - 4);
-    EXPECT_EQ(heading.indexOf(QStringLiteral("BSSID")), cli::kSsidColumns + 1);
+    const QString heading = app::cli::scanListingHeading();
+    EXPECT_EQ(heading.indexOf(QStringLiteral("SSID")), app::cli::kSsidColumns - 4);
+    EXPECT_EQ(heading.indexOf(QStringLiteral("BSSID")), app::cli::kSsidColumns + 1);
 }
 
 TEST(ToolListing, PropertyListIsAnArrayOfOneDictionaryPerNetwork)
 {
     const QList<platform::ScanResult> networks{network("home\x01", 36, kHtCapabilities + rsn(4, {4}, {2})),
                                                network("", 1, {})};
-    const QByteArray xml = cli::scanPropertyList(networks, core::InterfaceGeneration::Later);
+    const QByteArray xml = app::cli::scanPropertyList(networks, core::InterfaceGeneration::Later);
     plist_t root = nullptr;
     plist_from_xml(xml.constData(), static_cast<std::uint32_t>(xml.size()), &root);
     ASSERT_TRUE(root) << xml.constData();
@@ -190,14 +190,14 @@ TEST(ToolLinkReport, McsIsFoundByTheInterfaceTabAndKeysAreAligned)
     snapshot.rssiValue = -52;
     snapshot.mcsIndex = 7;
     snapshot.wlanChannel = platform::WlanChannel{36, platform::ChannelBand::Band5GHz, platform::ChannelWidthCode::Width80MHz};
-    const QString report = cli::linkReport(snapshot, core::InterfaceGeneration::Later);
+    const QString report = app::cli::linkReport(snapshot, core::InterfaceGeneration::Later);
     EXPECT_TRUE(report.startsWith(QStringLiteral("     agrCtlRSSI: -52\n")));
     EXPECT_EQ(mcsOf(report), QStringLiteral("7"));
     for (const QString& line : report.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
         EXPECT_EQ(line.indexOf(QStringLiteral(": ")), 15) << line.toStdString();
 
     snapshot.mcsIndex.reset();
-    EXPECT_EQ(mcsOf(cli::linkReport(snapshot, core::InterfaceGeneration::Later)), QString());
+    EXPECT_EQ(mcsOf(app::cli::linkReport(snapshot, core::InterfaceGeneration::Later)), QString());
 }
 
 TEST(ToolArguments, AcceptsEachCommandWithItsOptionsAndRejectsTheRest)
@@ -221,14 +221,14 @@ TEST(ToolArguments, AcceptsEachCommandWithItsOptionsAndRejectsTheRest)
     };
     for (const Case& c : cases) {
         QString error;
-        const auto request = cli::parseToolArguments(c.arguments, &error);
+        const auto request = app::cli::parseToolArguments(c.arguments, &error);
         EXPECT_EQ(request.has_value(), c.valid) << c.arguments.join(' ').toStdString() << ": " << error.toStdString();
         EXPECT_EQ(error.isEmpty(), c.valid);
     }
     QString error;
-    const auto watch = cli::parseToolArguments({"watch", "--interval=2.5", "--count=4"}, &error);
+    const auto watch = app::cli::parseToolArguments({"watch", "--interval=2.5", "--count=4"}, &error);
     ASSERT_TRUE(watch);
-    EXPECT_EQ(watch->action, cli::ToolAction::Watch);
+    EXPECT_EQ(watch->action, app::cli::ToolAction::Watch);
     EXPECT_EQ(watch->watchInterval, std::chrono::milliseconds(2500));
     EXPECT_EQ(watch->watchCount, 4);
 }
@@ -253,10 +253,10 @@ void expectListing(const CliRun& run)
     EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
     const QStringList lines = run.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     ASSERT_GE(lines.size(), 2);
-    EXPECT_EQ(lines[0], cli::scanListingHeading());
+    EXPECT_EQ(lines[0], app::cli::scanListingHeading());
     for (const QString& line : lines.mid(1))
         EXPECT_TRUE(QRegularExpression(QStringLiteral("^[0-9A-F]{2}(:[0-9A-F]{2}){5}$"))
-                        .match(parseListingLine(line, cli::kSsidColumns).bssid)
+                        .match(parseListingLine(line, app::cli::kSsidColumns).bssid)
                         .hasMatch())
             << line.toStdString();
 }
@@ -274,7 +274,7 @@ TEST(ToolBinary, AnswersOnTheSimulatedEnvironment)
     const CliRun watch = runCli({"--simulate=5", "watch", "--interval", "0.01", "--count", "2"});
     EXPECT_EQ(watch.exitCode, 0);
     EXPECT_TRUE(watch.out.startsWith(QStringLiteral("Simulated environment (chosen with --simulate)\n")));
-    EXPECT_EQ(watch.out.count(cli::scanListingHeading()), 2);
+    EXPECT_EQ(watch.out.count(app::cli::scanListingHeading()), 2);
 }
 
 TEST(ToolBinary, ReplaysACapture)

@@ -12,7 +12,7 @@
 #include <set>
 #include <vector>
 
-namespace capture {
+namespace platform::capture {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
@@ -63,7 +63,7 @@ Bytes radiotapPacket(const std::vector<std::uint32_t>& presentWords, const Bytes
     return withHeader(header, frame);
 }
 
-std::optional<RawBssFacts> parse(int linkType, const Bytes& packet)
+std::optional<scan::RawBssFacts> parse(int linkType, const Bytes& packet)
 {
     return parsePacket(linkType, packet.data(), packet.size());
 }
@@ -243,4 +243,4 @@ TEST(CaptureReader, OpenFailsWithAOneLineReason)
 }
 
 } // namespace
-} // namespace capture
+} // namespace platform::capture

@@ -12,7 +12,7 @@
 #include <map>
 #include <vector>
 
-namespace capture {
+namespace platform::capture {
 namespace {
 
 using namespace std::chrono_literals;
@@ -139,7 +139,7 @@ TEST(CaptureReplay, ReplaysARealCaptureWithRadiotapSignal)
             expected.emplace_back();
             sliceEnd = frame.timestampUs + 2'000'000;
         }
-        expected.back()[ScannerUtils::normalizeMAC(frame.facts.bssid)] = frame.facts.signalDbm;
+        expected.back()[scan::ScannerUtils::normalizeMAC(frame.facts.bssid)] = frame.facts.signalDbm;
     }
     ASSERT_GE(expected.size(), 3u);
 
@@ -150,7 +150,7 @@ TEST(CaptureReplay, ReplaysARealCaptureWithRadiotapSignal)
         for (const auto& network : replay->scanForNetworksWithSSID({}).networks) {
             EXPECT_LT(network.rssiValue, 0);
             EXPECT_GT(network.channelNumber, 0);
-            signalOf[ScannerUtils::normalizeMAC(network.bssid)] = network.rssiValue;
+            signalOf[scan::ScannerUtils::normalizeMAC(network.bssid)] = network.rssiValue;
         }
         EXPECT_EQ(signalOf, expected[i]) << "slice " << i;
     }
@@ -160,4 +160,4 @@ TEST(CaptureReplay, ReplaysARealCaptureWithRadiotapSignal)
 }
 
 } // namespace
-} // namespace capture
+} // namespace platform::capture

@@ -69,24 +69,24 @@ TEST(Nl80211Interface, DecodesStateChannelAndSignedPower)
         .u32(NL80211_ATTR_CENTER_FREQ1, 5210)
         .u32(NL80211_ATTR_WIPHY_TX_POWER_LEVEL, 2000)
         .bytes(NL80211_ATTR_SSID, "Cafe");
-    const auto info = nl80211::parseInterface(reply);
+    const auto info = platform::nl80211::parseInterface(reply);
     ASSERT_TRUE(info);
     EXPECT_EQ(info->name, "wlan0");
     EXPECT_EQ(info->macAddress, "66:77:88:99:aa:bb");
     EXPECT_EQ(info->ssid, "Cafe");
-    EXPECT_EQ(nl80211::milliwattsFromMbm(*info->txPowerMbm), 100);
-    const auto channel = nl80211::channelOf(*info);
+    EXPECT_EQ(platform::nl80211::milliwattsFromMbm(*info->txPowerMbm), 100);
+    const auto channel = platform::nl80211::channelOf(*info);
     ASSERT_TRUE(channel);
     EXPECT_EQ(*channel, (platform::WlanChannel{36, ChannelBand::Band5GHz, ChannelWidthCode::Width80MHz}));
 
     Reply lowPower(NL80211_CMD_NEW_INTERFACE);
     lowPower.u32(NL80211_ATTR_IFINDEX, 3).u32(NL80211_ATTR_WIPHY_TX_POWER_LEVEL, static_cast<std::uint32_t>(-300));
-    EXPECT_EQ(nl80211::parseInterface(lowPower)->txPowerMbm, -300);
+    EXPECT_EQ(platform::nl80211::parseInterface(lowPower)->txPowerMbm, -300);
 
     // A wireless device without a network device (P2P device) has no interface index.
     Reply deviceOnly(NL80211_CMD_NEW_INTERFACE);
     deviceOnly.u32(NL80211_ATTR_IFTYPE, NL80211_IFTYPE_P2P_DEVICE);
-    EXPECT_FALSE(nl80211::parseInterface(deviceOnly));
+    EXPECT_FALSE(platform::nl80211::parseInterface(deviceOnly));
 }
 
 struct RateCase {
@@ -127,7 +127,7 @@ TEST(Nl80211Station, DecodesSignalAndTransmitRate)
             r.u8(NL80211_STA_INFO_SIGNAL, static_cast<std::uint8_t>(-61));
             r.nest(NL80211_STA_INFO_TX_BITRATE, c.rate);
         });
-        const auto station = nl80211::parseStation(reply);
+        const auto station = platform::nl80211::parseStation(reply);
         ASSERT_TRUE(station);
         EXPECT_EQ(station->macAddress, "00:11:22:33:44:55");
         EXPECT_EQ(station->signalDbm, -61);
@@ -147,7 +147,7 @@ TEST(Nl80211Survey, NoiseIsSignedAndAbsentMeansUnknown)
         r.u32(NL80211_SURVEY_INFO_FREQUENCY, 2437).u8(NL80211_SURVEY_INFO_NOISE, static_cast<std::uint8_t>(-95))
             .flag(NL80211_SURVEY_INFO_IN_USE);
     });
-    const auto entry = nl80211::parseSurvey(inUse);
+    const auto entry = platform::nl80211::parseSurvey(inUse);
     ASSERT_TRUE(entry);
     EXPECT_EQ(entry->frequencyMhz, 2437);
     EXPECT_EQ(entry->noiseDbm, -95);
@@ -155,18 +155,18 @@ TEST(Nl80211Survey, NoiseIsSignedAndAbsentMeansUnknown)
 
     Reply silent(NL80211_CMD_NEW_SURVEY_RESULTS);
     silent.nest(NL80211_ATTR_SURVEY_INFO, [](Reply& r) { r.u32(NL80211_SURVEY_INFO_FREQUENCY, 5180); });
-    EXPECT_EQ(nl80211::parseSurvey(silent)->noiseDbm, std::nullopt);
-    EXPECT_FALSE(nl80211::parseSurvey(silent)->inUse);
+    EXPECT_EQ(platform::nl80211::parseSurvey(silent)->noiseDbm, std::nullopt);
+    EXPECT_FALSE(platform::nl80211::parseSurvey(silent)->inUse);
 }
 
 TEST(Nl80211Regulatory, ReadsCountryOnlyWhenWellFormed)
 {
     Reply reply(NL80211_CMD_GET_REG);
     reply.bytes(NL80211_ATTR_REG_ALPHA2, QByteArray("DE", 3)).u32(NL80211_ATTR_WIPHY, 0);
-    EXPECT_EQ(nl80211::parseRegulatory(reply)->alpha2, "DE");
+    EXPECT_EQ(platform::nl80211::parseRegulatory(reply)->alpha2, "DE");
     Reply truncated(NL80211_CMD_GET_REG);
     truncated.bytes(NL80211_ATTR_REG_ALPHA2, QByteArray("D"));
-    EXPECT_FALSE(nl80211::parseRegulatory(truncated));
+    EXPECT_FALSE(platform::nl80211::parseRegulatory(truncated));
 }
 
 void frequency(Reply& r, int index, std::uint32_t mhz, bool disabled = false)
@@ -224,7 +224,7 @@ TEST(Nl80211Wiphy, MergesSplitDumpIntoChannelsAndModes)
     otherRadio.u32(NL80211_ATTR_WIPHY, 1).nest(NL80211_ATTR_SUPPORTED_IFTYPES,
                                                 [](Reply& r) { r.flag(NL80211_IFTYPE_MONITOR); });
 
-    nl80211::WiphyCollector collector;
+    platform::nl80211::WiphyCollector collector;
     collector.add(first);
     collector.add(second);
     collector.add(otherRadio);
@@ -248,17 +248,17 @@ TEST(Nl80211Wiphy, MergesSplitDumpIntoChannelsAndModes)
     platform::ScanResult accessPoint;
     accessPoint.channelBand = ChannelBand::Band5GHz;
     accessPoint.phyModes = platform::PhyA | platform::PhyN | platform::PhyAC;
-    EXPECT_EQ(nl80211::activePhyMode(phy, accessPoint), platform::PhyMode11ac);
+    EXPECT_EQ(platform::nl80211::activePhyMode(phy, accessPoint), platform::PhyMode11ac);
     accessPoint.channelBand = ChannelBand::Band2GHz;
     accessPoint.phyModes = platform::PhyB | platform::PhyG;
-    EXPECT_EQ(nl80211::activePhyMode(phy, accessPoint), platform::PhyMode11g);
+    EXPECT_EQ(platform::nl80211::activePhyMode(phy, accessPoint), platform::PhyMode11g);
 }
 
-std::optional<nl80211::ScanEntry> scanEntry(const std::function<void(Reply&)>& bss)
+std::optional<platform::nl80211::ScanEntry> scanEntry(const std::function<void(Reply&)>& bss)
 {
     Reply reply(NL80211_CMD_NEW_SCAN_RESULTS);
     reply.u32(NL80211_ATTR_IFINDEX, 3).nest(NL80211_ATTR_BSS, bss);
-    return nl80211::parseScanEntry(reply);
+    return platform::nl80211::parseScanEntry(reply);
 }
 
 TEST(Nl80211Scan, DecodesEntriesIntoRawFacts)
@@ -288,12 +288,12 @@ TEST(Nl80211Scan, DecodesEntriesIntoRawFacts)
 TEST(Nl80211Scan, HiddenEntryGivesWayToNamedOneOfSameBssid)
 {
     const auto result = [](const QByteArray& bssid, const QByteArray& ssid) {
-        RawBssFacts facts;
-        facts.bssid = nl80211::macText(bssid);
+        scan::RawBssFacts facts;
+        facts.bssid = platform::nl80211::macText(bssid);
         facts.informationElements = ssidElement(ssid);
-        return deriveScanResult(facts);
+        return scan::deriveScanResult(facts);
     };
-    const auto merged = nl80211::mergeHiddenDuplicates({
+    const auto merged = platform::nl80211::mergeHiddenDuplicates({
         result(bssidA, QByteArray(4, '\0')),
         result(bssidB, "Other"),
         result(bssidA, "Hidden"),
@@ -310,7 +310,7 @@ TEST(Nl80211Malformed, ShortAndDamagedAttributesAreIgnored)
     shortValues.u32(NL80211_ATTR_IFINDEX, 3).bytes(NL80211_ATTR_WIPHY_FREQ, QByteArray(2, '\x7f'))
         .bytes(NL80211_ATTR_WIPHY_TX_POWER_LEVEL, QByteArray(1, '\x01'))
         .bytes(NL80211_ATTR_IFNAME, QByteArray("wlan0-without-terminator"));
-    const auto info = nl80211::parseInterface(shortValues);
+    const auto info = platform::nl80211::parseInterface(shortValues);
     ASSERT_TRUE(info);
     EXPECT_EQ(info->frequencyMhz, std::nullopt);
     EXPECT_EQ(info->txPowerMbm, std::nullopt);
@@ -319,13 +319,13 @@ TEST(Nl80211Malformed, ShortAndDamagedAttributesAreIgnored)
     // A nested attribute whose payload is not a list of attributes.
     Reply garbageNest(NL80211_CMD_NEW_STATION);
     garbageNest.bytes(NL80211_ATTR_STA_INFO, QByteArray::fromHex("ff00ff"));
-    EXPECT_NO_FATAL_FAILURE(nl80211::parseStation(garbageNest));
+    EXPECT_NO_FATAL_FAILURE(platform::nl80211::parseStation(garbageNest));
 
     Reply emptyRate(NL80211_CMD_NEW_STATION);
     emptyRate.nest(NL80211_ATTR_STA_INFO, [](Reply& r) {
         r.bytes(NL80211_STA_INFO_SIGNAL, QByteArray()).nest(NL80211_STA_INFO_TX_BITRATE, [](Reply&) {});
     });
-    const auto station = nl80211::parseStation(emptyRate);
+    const auto station = platform::nl80211::parseStation(emptyRate);
     ASSERT_TRUE(station);
     EXPECT_EQ(station->signalDbm, std::nullopt);
     EXPECT_EQ(station->txRate->mcs, std::nullopt);
@@ -333,14 +333,14 @@ TEST(Nl80211Malformed, ShortAndDamagedAttributesAreIgnored)
     // No generic netlink header at all.
     nl_msg* bare = nlmsg_alloc();
     nlmsg_put(bare, NL_AUTO_PORT, NL_AUTO_SEQ, 0x1c, 0, 0);
-    EXPECT_FALSE(nl80211::parseInterface(bare));
-    EXPECT_FALSE(nl80211::parseScanEntry(bare));
-    EXPECT_FALSE(nl80211::parseEvent(bare));
-    nl80211::WiphyCollector collector;
+    EXPECT_FALSE(platform::nl80211::parseInterface(bare));
+    EXPECT_FALSE(platform::nl80211::parseScanEntry(bare));
+    EXPECT_FALSE(platform::nl80211::parseEvent(bare));
+    platform::nl80211::WiphyCollector collector;
     collector.add(bare);
     EXPECT_TRUE(collector.wiphys().isEmpty());
     nlmsg_free(bare);
-    EXPECT_FALSE(nl80211::parseSurvey(nullptr));
+    EXPECT_FALSE(platform::nl80211::parseSurvey(nullptr));
 }
 
 TEST(Nl80211Events, ScanEndsOnlyAfterItsOwnStart)
@@ -348,9 +348,9 @@ TEST(Nl80211Events, ScanEndsOnlyAfterItsOwnStart)
     const auto event = [](std::uint8_t command, std::uint32_t ifindex) {
         Reply reply(command);
         reply.u32(NL80211_ATTR_IFINDEX, ifindex).u32(NL80211_ATTR_WIPHY, 0);
-        return *nl80211::parseEvent(reply);
+        return *platform::nl80211::parseEvent(reply);
     };
-    nl80211::ScanCompletion triggered(3, true);
+    platform::nl80211::ScanCompletion triggered(3, true);
     EXPECT_FALSE(triggered.observe(event(NL80211_CMD_NEW_SCAN_RESULTS, 3)));  // an earlier scan's end
     EXPECT_FALSE(triggered.observe(event(NL80211_CMD_TRIGGER_SCAN, 4)));
     EXPECT_FALSE(triggered.observe(event(NL80211_CMD_TRIGGER_SCAN, 3)));
@@ -358,7 +358,7 @@ TEST(Nl80211Events, ScanEndsOnlyAfterItsOwnStart)
     EXPECT_TRUE(triggered.observe(event(NL80211_CMD_SCAN_ABORTED, 3)));
     EXPECT_TRUE(triggered.aborted());
 
-    nl80211::ScanCompletion joined(3, false);
+    platform::nl80211::ScanCompletion joined(3, false);
     EXPECT_TRUE(joined.observe(event(NL80211_CMD_NEW_SCAN_RESULTS, 3)));
     EXPECT_FALSE(joined.aborted());
 }
@@ -372,7 +372,7 @@ TEST(LinuxWirelessClient, ReportsMissingWirelessStackPlainly)
     if (QCoreApplication::instance() == nullptr)
         new QCoreApplication(argc, argv);
 
-    nl80211::RequestSocket socket;
+    platform::nl80211::RequestSocket socket;
     platform::LinuxWirelessClient client;
     const QString status = client.statusText();
     if (socket.wirelessStackMissing()) {

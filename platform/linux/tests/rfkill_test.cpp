@@ -25,21 +25,21 @@ QByteArray eventBytes(std::uint32_t index, std::uint8_t type, std::uint8_t op, b
 
 TEST(Rfkill, ParsesOriginalAndExtendedEventsOnly)
 {
-    const auto original = rfkill::parseEvent(eventBytes(7, RFKILL_TYPE_WLAN, RFKILL_OP_CHANGE, true, false));
+    const auto original = platform::rfkill::parseEvent(eventBytes(7, RFKILL_TYPE_WLAN, RFKILL_OP_CHANGE, true, false));
     ASSERT_TRUE(original);
     EXPECT_EQ(original->index, 7u);
     EXPECT_TRUE(original->soft);
     EXPECT_FALSE(original->hard);
-    EXPECT_TRUE(rfkill::parseEvent(eventBytes(7, RFKILL_TYPE_WLAN, RFKILL_OP_ADD, false, true, 9)));
-    EXPECT_FALSE(rfkill::parseEvent(eventBytes(7, RFKILL_TYPE_WLAN, RFKILL_OP_ADD, false, true, 7)));
+    EXPECT_TRUE(platform::rfkill::parseEvent(eventBytes(7, RFKILL_TYPE_WLAN, RFKILL_OP_ADD, false, true, 9)));
+    EXPECT_FALSE(platform::rfkill::parseEvent(eventBytes(7, RFKILL_TYPE_WLAN, RFKILL_OP_ADD, false, true, 7)));
 }
 
 TEST(Rfkill, TableFollowsWifiSwitchesAndIgnoresOthers)
 {
-    rfkill::SwitchTable table;
+    platform::rfkill::SwitchTable table;
     EXPECT_EQ(table.wlanPowerOn(), std::nullopt);
     struct Step {
-        rfkill::Event event;
+        platform::rfkill::Event event;
         bool changed;
         std::optional<bool> all;
         std::optional<bool> second;
@@ -65,9 +65,9 @@ TEST(Rfkill, FindsSwitchOfWiphyInSysfs)
 {
     QTemporaryDir root;
     ASSERT_TRUE(QDir(root.path()).mkpath(QStringLiteral("class/ieee80211/phy0/rfkill4")));
-    EXPECT_EQ(rfkill::indexForWiphy(QStringLiteral("phy0"), root.path()), 4u);
-    EXPECT_EQ(rfkill::indexForWiphy(QStringLiteral("phy1"), root.path()), std::nullopt);
-    EXPECT_EQ(rfkill::indexForWiphy(QStringLiteral("../phy0"), root.path()), std::nullopt);
+    EXPECT_EQ(platform::rfkill::indexForWiphy(QStringLiteral("phy0"), root.path()), 4u);
+    EXPECT_EQ(platform::rfkill::indexForWiphy(QStringLiteral("phy1"), root.path()), std::nullopt);
+    EXPECT_EQ(platform::rfkill::indexForWiphy(QStringLiteral("../phy0"), root.path()), std::nullopt);
 }
 
 TEST(Rfkill, MonitorReadsInitialListAndNotifiesChanges)
@@ -86,11 +86,11 @@ TEST(Rfkill, MonitorReadsInitialListAndNotifiesChanges)
     };
     send(eventBytes(0, RFKILL_TYPE_WLAN, RFKILL_OP_ADD, false, false));
     send(QByteArray("xyz"));
-    rfkill::RfkillMonitor monitor(fds[0]);
+    platform::rfkill::RfkillMonitor monitor(fds[0]);
     EXPECT_EQ(monitor.wlanPowerOn(), true);
 
     int changes = 0;
-    QObject::connect(&monitor, &rfkill::RfkillMonitor::wlanPowerChanged, [&changes] { ++changes; });
+    QObject::connect(&monitor, &platform::rfkill::RfkillMonitor::wlanPowerChanged, [&changes] { ++changes; });
     send(eventBytes(0, RFKILL_TYPE_WLAN, RFKILL_OP_CHANGE, true, false));
     for (QDeadlineTimer deadline(2000); changes == 0 && !deadline.hasExpired();)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
@@ -101,7 +101,7 @@ TEST(Rfkill, MonitorReadsInitialListAndNotifiesChanges)
 
 TEST(Rfkill, SoftBlockFailsAsValueWithoutDevice)
 {
-    const auto error = rfkill::RfkillMonitor::setWlanSoftBlock(true, QStringLiteral("/nonexistent/rfkill"));
+    const auto error = platform::rfkill::RfkillMonitor::setWlanSoftBlock(true, QStringLiteral("/nonexistent/rfkill"));
     ASSERT_TRUE(error);
     EXPECT_EQ(error->domain, "rfkill");
     EXPECT_FALSE(error->description.isEmpty());

@@ -32,20 +32,20 @@ SimulatedAccessPoint accessPoint(int channel, int widthMhz, SecurityKind securit
 ScanResult derived(SimulatedAccessPoint ap)
 {
     buildBeacon(ap);
-    RawBssFacts facts;
+    scan::RawBssFacts facts;
     facts.bssid = ap.bssid;
     facts.frequencyMhz = ap.frequencyMhz;
     facts.capabilityInfo = ap.capabilityInfo;
     facts.informationElements = ap.beaconElements;
-    return deriveScanResult(facts);
+    return scan::deriveScanResult(facts);
 }
 
 class ElementDecoding : public ::testing::Test {
 protected:
-    static ScanedResultInfo parsed(SimulatedAccessPoint ap)
+    static scan::ScanedResultInfo parsed(SimulatedAccessPoint ap)
     {
         buildBeacon(ap);
-        ScanedResultInfo record;
+        scan::ScanedResultInfo record;
         record.bssid = ap.bssid;
         record.parseInformationElement(ap.beaconElements);
         return record;
@@ -96,7 +96,7 @@ TEST_F(ElementDecoding, ParserReadsLoadWpsNamesRoamingAndStreams)
     arubaAp.apName = "lab-ap-2";
     arubaAp.spatialStreams = 1;
 
-    const ScanedResultInfo cisco = parsed(ciscoAp);
+    const scan::ScanedResultInfo cisco = parsed(ciscoAp);
     EXPECT_EQ(cisco.connectedClientCount, 300);
     EXPECT_EQ(cisco.channelUtilization, 51);  // 128 of 255, rounded up
     EXPECT_TRUE(cisco.mobilityDomain.startsWith(QStringLiteral("Yes")));
@@ -105,7 +105,7 @@ TEST_F(ElementDecoding, ParserReadsLoadWpsNamesRoamingAndStreams)
     EXPECT_EQ(cisco.isWPS, 0);
     EXPECT_EQ(cisco.pairWiseChiperEncryption, QStringLiteral("CCMP"));
 
-    const ScanedResultInfo aruba = parsed(arubaAp);
+    const scan::ScanedResultInfo aruba = parsed(arubaAp);
     EXPECT_EQ(aruba.isWPS, 1);
     EXPECT_EQ(aruba.apname, QStringLiteral("lab-ap-2"));
     EXPECT_EQ(aruba.mobilityDomain, QStringLiteral("N/A"));

@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 class SimulatedInterface : public ::testing::Test {
 protected:
     SimulatedInterface()
-        : clock_(std::make_shared<ManualClock>(QDateTime::fromSecsSinceEpoch(1'750'000'000))),
+        : clock_(std::make_shared<testsupport::ManualClock>(QDateTime::fromSecsSinceEpoch(1'750'000'000))),
           client_(SimulationReason::ChosenOnCommandLine, {}, clock_),
           wifi_(client_.interfaceWithName(QStringLiteral("sim0")))
     {
@@ -33,7 +33,7 @@ protected:
         return outcome.networks.value(0);
     }
 
-    std::shared_ptr<ManualClock> clock_;
+    std::shared_ptr<testsupport::ManualClock> clock_;
     SimulatedWirelessClient client_;
     std::shared_ptr<WirelessInterface> wifi_;
     int powerChanges_ = 0;
