@@ -1,3 +1,4 @@
+#include "testsupport/stub_wireless_interface.h"
 #include "core/memory_settings.h"
 #include "scanning/scan_test_driver.h"
 
@@ -51,10 +52,9 @@ platform::ScanOutcome failure(int code)
 }
 
 // Scripted scans; a closed gate holds a scan inside the platform call, as a slow radio would.
-class FakeInterface : public platform::WirelessInterface {
+class FakeInterface : public testsupport::StubWirelessInterface {
 public:
     QString interfaceName() const override { return QStringLiteral("wlan9"); }
-    platform::InterfaceSnapshot snapshot() const override { return link; }
     platform::ScanOutcome scanForNetworksWithSSID(const QByteArray&) override
     {
         std::unique_lock lock(mutex_);
@@ -67,19 +67,7 @@ public:
         }
         return outcomes.empty() ? platform::ScanOutcome{} : outcomes.front();
     }
-    platform::ScanOutcome scanForNetworksWithBSSID(const QString&) override { return {}; }
     QList<platform::ScanResult> cachedScanResults() const override { return cached; }
-    platform::MaybeError setPower(bool) override { return {}; }
-    void disassociate() override {}
-    platform::MaybeError associateToNetwork(const platform::ScanResult&, const QString&) override { return {}; }
-    platform::MaybeError associateToEnterpriseNetwork(const platform::ScanResult&, const QString&, const QString&,
-                                                      const QString&) override { return {}; }
-    platform::MaybeError startIBSSModeWithSSID(const QByteArray&, int, int, const QString&) override { return {}; }
-    QList<platform::NetworkProfile> networkProfiles() const override { return {}; }
-    QList<platform::EapProfile> allUser8021XProfiles() const override { return {}; }
-    std::optional<QString> copyPassword(const QByteArray&) const override { return {}; }
-    std::optional<platform::EapCredentials> copyEAPUsernameAndPassword(const QByteArray&) const override { return {}; }
-    std::optional<QString> copyEAPIdentity(const QByteArray&) const override { return {}; }
 
     void setGateOpen(bool open)
     {
@@ -93,7 +81,6 @@ public:
     // Changed only while no scan is in flight.
     std::deque<platform::ScanOutcome> outcomes;
     QList<platform::ScanResult> cached;
-    platform::InterfaceSnapshot link;
     int scans = 0;
 
 private:

@@ -1,5 +1,5 @@
 #include "listener_test_support.h"
-#include "fake_interface.h"
+#include "testsupport/stub_wireless_interface.h"
 
 #include "sensor/host_address.h"
 #include "sensor/sensor_listener_controller.h"
@@ -48,7 +48,7 @@ protected:
 
 TEST_F(SensorLineTest, LinesBecomeRowsOrAreIgnored)
 {
-    const auto link = std::make_shared<FakeInterface>(linkSnapshot(QStringLiteral("Home"), true));
+    const auto link = std::make_shared<testsupport::StubWirelessInterface>(linkSnapshot(QStringLiteral("Home"), true));
     sensor::SensorListenerController controller(link);
     struct Case {
         const char* line;
@@ -98,31 +98,31 @@ TEST_F(SensorLineTest, GpsRowFollowsTheInterfaceGeneration)
     const QString line = QStringLiteral("1700000000123,1,1,2,3,4,5");
     struct Case {
         bool oldest;
-        std::shared_ptr<FakeInterface> link;
+        std::shared_ptr<testsupport::StubWirelessInterface> link;
         const char* row;
     };
     const Case cases[] = {
         {false, nullptr, "11-14-2023 10:13:20,,,0,0,0,1.00000,2.00000,3.0"},
         {true, nullptr, "11-14-2023 10:13:20,,,,,,1.00000,2.00000,3.0"},
-        {false, std::make_shared<FakeInterface>(linkSnapshot(QStringLiteral("Cafe, \"Bar\""), false)),
+        {false, std::make_shared<testsupport::StubWirelessInterface>(linkSnapshot(QStringLiteral("Cafe, \"Bar\""), false)),
          "11-14-2023 10:13:20,aa:bb:cc:dd:ee:ff,\"Cafe, \"\"Bar\"\"\",-55,-92,0,1.00000,2.00000,3.0"},
-        {true, std::make_shared<FakeInterface>(linkSnapshot(QStringLiteral("Home"), false)),
+        {true, std::make_shared<testsupport::StubWirelessInterface>(linkSnapshot(QStringLiteral("Home"), false)),
          "11-14-2023 10:13:20,aa:bb:cc:dd:ee:ff,Home,-55,-92,,1.00000,2.00000,3.0"},
-        {true, std::make_shared<FakeInterface>(linkSnapshot(QStringLiteral("Home"), true)),
+        {true, std::make_shared<testsupport::StubWirelessInterface>(linkSnapshot(QStringLiteral("Home"), true)),
          "11-14-2023 10:13:20,aa:bb:cc:dd:ee:ff,Home,-55,-92,36,1.00000,2.00000,3.0"},
     };
     for (const Case& c : cases) {
         const auto generation = c.oldest ? core::InterfaceGeneration::OldestRelease : core::InterfaceGeneration::Later;
-        std::shared_ptr<FakeInterface> link;
+        std::shared_ptr<testsupport::StubWirelessInterface> link;
         if (c.link)
-            link = std::make_shared<FakeInterface>(c.link->snapshot(), generation);
+            link = std::make_shared<testsupport::StubWirelessInterface>(c.link->snapshot(), generation);
         // Without an interface the controller's own generation decides; with one, the interface's.
         sensor::SensorListenerController controller(link, link ? core::InterfaceGeneration::Later : generation);
         EXPECT_EQ(feed(controller, line).rows, QStringList{QString::fromLatin1(c.row)}) << c.row;
     }
     platform::InterfaceSnapshot formula = linkSnapshot(QStringLiteral("=HYPERLINK(\"x\")"), true);
     formula.bssid = QStringLiteral("+aa");
-    sensor::SensorListenerController guarded(std::make_shared<FakeInterface>(formula));
+    sensor::SensorListenerController guarded(std::make_shared<testsupport::StubWirelessInterface>(formula));
     EXPECT_EQ(feed(guarded, line).rows,
               QStringList{"11-14-2023 10:13:20,\"'+aa\",\"'=HYPERLINK(\"\"x\"\")\",-55,-92,36,1.00000,2.00000,3.0"});
 }

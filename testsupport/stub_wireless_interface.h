@@ -2,17 +2,20 @@
 
 #include "platform/api/wireless_interface.h"
 
-// An interface that only reports a fixed snapshot; everything else is unsupported.
-class FakeInterface : public platform::WirelessInterface {
+namespace testsupport {
+
+// An interface that reports a given snapshot and answers every other call with nothing; tests
+// derive from it to script the calls they are about.
+class StubWirelessInterface : public platform::WirelessInterface {
 public:
-    explicit FakeInterface(platform::InterfaceSnapshot snapshot,
-                           core::InterfaceGeneration generation = core::InterfaceGeneration::Later)
-        : WirelessInterface(generation), snapshot_(std::move(snapshot))
+    explicit StubWirelessInterface(platform::InterfaceSnapshot snapshot = {},
+                                   core::InterfaceGeneration generation = core::InterfaceGeneration::Later)
+        : WirelessInterface(generation), link(std::move(snapshot))
     {
     }
 
-    QString interfaceName() const override { return snapshot_.interfaceName; }
-    platform::InterfaceSnapshot snapshot() const override { return snapshot_; }
+    QString interfaceName() const override { return link.interfaceName; }
+    platform::InterfaceSnapshot snapshot() const override { return link; }
     platform::ScanOutcome scanForNetworksWithSSID(const QByteArray&) override { return {}; }
     platform::ScanOutcome scanForNetworksWithBSSID(const QString&) override { return {}; }
     QList<platform::ScanResult> cachedScanResults() const override { return {}; }
@@ -34,6 +37,7 @@ public:
     }
     std::optional<QString> copyEAPIdentity(const QByteArray&) const override { return std::nullopt; }
 
-private:
-    platform::InterfaceSnapshot snapshot_;
+    platform::InterfaceSnapshot link;
 };
+
+} // namespace testsupport
