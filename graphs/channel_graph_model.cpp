@@ -114,14 +114,10 @@ std::optional<CurveLabel> ChannelGraphModel::dataLabel(const QString& identifier
 
 std::optional<ChannelCurve> ChannelGraphModel::curve(const QString& identifier) const
 {
-    const PlotStyle* style = plots_.style(identifier);
-    if (!style)
+    const std::optional<PlotLine> line = plots_.line(identifier);
+    if (!line)
         return std::nullopt;
-    ChannelCurve curve;
-    curve.identifier = identifier;
-    curve.lineWidth = style->lineWidth;
-    curve.lineColour = withAlpha(style->colour, style->lineAlpha);
-    curve.areaFill = style->areaFill;
+    ChannelCurve curve{*line, {}};
     for (int i = 0; i < numberOfRecords(identifier); ++i)
         curve.points.append(point(identifier, i));
     curve.label = dataLabel(identifier, labelledPoint);

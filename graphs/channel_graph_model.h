@@ -32,14 +32,7 @@ struct CurveLabel {
 };
 
 // One curve as the painter draws it; a curve whose record is gone has no points.
-struct ChannelCurve {
-    QString identifier;
-    double lineWidth = 0.0;
-    ColourCode lineColour;
-    std::optional<Gradient> areaFill;
-    double areaBase = signalFloorDbm;
-    double hitMargin = 5.0;
-    QList<QPointF> points;
+struct ChannelCurve : PlotLine {
     // Written at the top right corner of the curve (its third point).
     std::optional<CurveLabel> label;
 };

@@ -18,6 +18,19 @@ void PlotStack::remove(const QString& identifier)
 
 bool PlotStack::contains(const QString& identifier) const { return style(identifier) != nullptr; }
 
+std::optional<PlotLine> PlotStack::line(const QString& identifier) const
+{
+    const PlotStyle* plot = style(identifier);
+    if (!plot)
+        return std::nullopt;
+    PlotLine line;
+    line.identifier = identifier;
+    line.lineWidth = plot->lineWidth;
+    line.lineColour = withAlpha(plot->colour, plot->lineAlpha);
+    line.areaFill = plot->areaFill;
+    return line;
+}
+
 QStringList PlotStack::identifiers() const
 {
     QStringList ids;

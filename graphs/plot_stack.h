@@ -3,6 +3,7 @@
 #include "graphs/graph_style.h"
 
 #include <QList>
+#include <QPointF>
 #include <QString>
 
 #include <functional>
@@ -19,6 +20,17 @@ struct PlotStyle {
     double lineAlpha = 0.0;
     ColourCodePtr colour;
     std::optional<Gradient> areaFill;
+};
+
+// One plotted line as a painter draws it: the stack's style resolved to colours, plus points.
+struct PlotLine {
+    QString identifier;
+    double lineWidth = 0.0;
+    ColourCode lineColour;
+    std::optional<Gradient> areaFill;
+    double areaBase = signalFloorDbm;
+    double hitMargin = 5.0;
+    QList<QPointF> points;
 };
 
 class PlotStack {
@@ -41,6 +53,8 @@ public:
 
     QStringList identifiers() const;
     const PlotStyle* style(const QString& identifier) const;
+    // The line of a plot with its style resolved and no points yet; nullopt for an unknown plot.
+    std::optional<PlotLine> line(const QString& identifier) const;
 
     // Highlights the identifier, or switches highlighting off when it is empty, already
     // highlighted or not plotted. A plot whose data is gone is taken off the graph and the

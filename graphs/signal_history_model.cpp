@@ -101,16 +101,12 @@ QPointF SignalHistoryModel::point(const QList<scan::ScanedResultInfo>& history, 
 
 std::optional<HistoryLine> SignalHistoryModel::line(const QString& identifier) const
 {
-    const PlotStyle* style = plots_.style(identifier);
-    if (!style)
+    const std::optional<PlotLine> plotted = plots_.line(identifier);
+    if (!plotted)
         return std::nullopt;
-    HistoryLine line;
-    line.identifier = identifier;
-    line.lineWidth = style->lineWidth;
-    line.lineColour = withAlpha(style->colour, style->lineAlpha);
-    line.areaFill = style->areaFill;
+    HistoryLine line{*plotted, {}};
     if (showValues_) {
-        const ColourCode symbolColour = withAlpha(style->colour, PlotStack::restingAlpha);
+        const ColourCode symbolColour = withAlpha(plots_.style(identifier)->colour, PlotStack::restingAlpha);
         line.symbol = PointSymbol{SymbolShape::Ellipse, 4.0, 4.0, symbolColour, symbolColour};
     }
     const QList<scan::ScanedResultInfo> history = histories_.value(identifier);

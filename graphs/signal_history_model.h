@@ -27,15 +27,8 @@ class UserSettings;
 // and a highlighted line the mouse can follow.
 namespace graphs {
 
-struct HistoryLine {
-    QString identifier;
-    double lineWidth = 0.0;
-    ColourCode lineColour;
-    std::optional<Gradient> areaFill;
-    double areaBase = signalFloorDbm;
-    double hitMargin = 5.0;
+struct HistoryLine : PlotLine {
     std::optional<PointSymbol> symbol;
-    QList<QPointF> points;
 };
 
 struct ValueLabel {
