@@ -2,6 +2,7 @@
 // databases, a database another scanner holds, unreadable or blocking captures, empty options.
 #include "cli_run.h"
 
+#include <QDir>
 #include <QFile>
 #include <QProcessEnvironment>
 #include <QRegularExpression>
@@ -23,6 +24,8 @@ CliRun runIn(const QTemporaryDir& home, const QStringList& arguments, QProcess* 
     environment.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral("data")));
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
     environment.remove(QStringLiteral("QT_LOGGING_RULES"));
+    QDir(home.path()).mkpath(QStringLiteral("tmp"));
+    environment.insert(QStringLiteral("TMPDIR"), home.filePath(QStringLiteral("tmp")));
     QProcess local;
     QProcess& process = started ? *started : local;
     process.setProcessEnvironment(environment);
@@ -190,6 +193,39 @@ TEST(ScanHardening, AQuotedNameFiltersTheScan)
     ASSERT_EQ(run.lines.size(), 2);
     EXPECT_TRUE(run.lines.first().contains("\"countLabel\":\"1 of 5 shown\"")) << run.lines.first().constData();
     EXPECT_FALSE(run.err.contains("syntax error")) << run.err.constData();
+}
+
+// --merge belongs to the run: no copy of the settings is made, nothing is left in the temporary
+// folder, and the user's own choice is not written. The system's log texts wait for --verbose.
+TEST(ScanHardening, MergeIsTheRunsOwnAndLogTextsWaitForVerbose)
+{
+    QTemporaryDir home;
+    ASSERT_TRUE(home.isValid());
+    const QStringList arguments = {QStringLiteral("--simulate=40"), QStringLiteral("scan"), QStringLiteral("--count"),
+                                   QStringLiteral("1"), QStringLiteral("--interval"), QStringLiteral("1"),
+                                   QStringLiteral("--merge")};
+    const CliRun quiet = runIn(home, arguments);
+    ASSERT_EQ(quiet.exitCode, 0) << quiet.err.constData();
+    EXPECT_TRUE(quiet.lines.value(0).contains("(merged")) << quiet.lines.value(0).constData();
+    EXPECT_FALSE(quiet.err.contains("Here i got a hidden ssid")) << quiet.err.constData();
+    EXPECT_TRUE(QDir(home.filePath(QStringLiteral("tmp"))).isEmpty());
+    // A run killed in the middle leaves nothing behind either.
+    QStringList longRun = arguments;
+    longRun[3] = QStringLiteral("100");
+    QProcess killed;
+    runIn(home, longRun, &killed);
+    ASSERT_TRUE(killed.waitForReadyRead(30000));
+    killed.kill();
+    killed.waitForFinished();
+    EXPECT_TRUE(QDir(home.filePath(QStringLiteral("tmp"))).isEmpty());
+    QFile settings(home.filePath(QStringLiteral("config/skyvane/skyvane.conf")));
+    if (settings.open(QIODevice::ReadOnly)) {
+        EXPECT_FALSE(settings.readAll().contains("mergeScanResults"));
+    }
+
+    const CliRun verbose = runIn(home, QStringList{QStringLiteral("--verbose")} + arguments);
+    ASSERT_EQ(verbose.exitCode, 0) << verbose.err.constData();
+    EXPECT_TRUE(verbose.err.contains("Here i got a hidden ssid with bssid as ")) << verbose.err.constData();
 }
 
 } // namespace
