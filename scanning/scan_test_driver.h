@@ -41,7 +41,8 @@ public:
     void setResultsListener(ScanResultsListener* listener) { tests_.setResultsListener(listener); }
     void setConfirmation(Confirmation confirmation) { tests_.setConfirmation(std::move(confirmation)); }
 
-    // The interval selector: read when a test starts and by the history rule on every scan.
+    // The interval selector: read when a test starts and by the history rule on every scan, so a
+    // change needs no handler of its own.
     int refreshIntervalSeconds() const { return refreshIntervalSeconds_; }
     void setRefreshIntervalSeconds(int seconds) { refreshIntervalSeconds_ = seconds; }
     bool intervalSelectorEnabled() const { return intervalSelectorEnabled_; }
@@ -91,8 +92,6 @@ public slots:
     void goToForeGround();
     void applicationDidFinishLaunching();
     void scanCacheDidUpdateNotification() { performScanForeground(); }
-    // The selector's value is read where it matters (test start, history rule), not on change.
-    void refreshIntervalDidChange() {}
     void startRefreshAnimation() { loop_.startRefreshAnimation(); }
     void stopRefreshAnimation() { loop_.stopRefreshAnimation(); }
     void refreshChannelInfo() { channels_.refreshChannelInfo(); }
