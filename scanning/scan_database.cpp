@@ -1,5 +1,6 @@
 #include "scanning/scan_database.h"
 
+#include "core/units.h"
 #include "scan/scanner_utils.h"
 #include "scanning/log_category.h"
 #include "scanning/scan_database_impl.h"
@@ -282,7 +283,7 @@ void ScanDatabase::updateNetworkCountsForSummaryWindow(core::UserSettings& setti
 
 void ScanDatabase::update24MhzNetworkCountsForSummaryWindow(core::UserSettings& settings)
 {
-    const auto count = lastCountStepped(impl_->db, QStringLiteral("select count(*) from wifi_scan_data where originalChannel <= 14"),
+    const auto count = lastCountStepped(impl_->db, QStringLiteral("select count(*) from wifi_scan_data where originalChannel <= %1").arg(core::highest24GhzChannel),
                                         "Error while fetching count 24mhz networks from scan results '%1'");
     if (count)
         settings.setValue(QStringLiteral("TOTAL_24MHZ_NETWORKS"), QString::asprintf("%d", *count));

@@ -1,5 +1,6 @@
 #include "platform/linux/network_manager_settings.h"
 
+#include "core/units.h"
 #include "platform/api/scan_result.h"
 
 #include <QDBusError>
@@ -221,7 +222,7 @@ NmResult<NmConnectionSettings> adHoc(const QByteArray& ssid, int channel, NmSecu
                               static_cast<int>(QDBusError::InvalidArgs), why, {}, {}}};
     };
     QString band;
-    if (channel >= 1 && channel <= 14)
+    if (core::bandForChannel(channel) == core::ChannelBand::Band2GHz)
         band = QStringLiteral("bg");
     else if (channel >= 32 && channel <= 177)
         band = QStringLiteral("a");

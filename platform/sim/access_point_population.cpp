@@ -1,5 +1,6 @@
 #include "platform/sim/access_point_population.h"
 
+#include "core/units.h"
 #include "platform/sim/beacon_elements.h"
 #include "platform/sim/sim_random.h"
 
@@ -224,12 +225,12 @@ public:
             ap.ssid = plan.ssid;
             ap.hidden = plan.hidden;
             ap.channel = r.channel;
-            ap.frequencyMhz = r.channel <= 14 ? 2407 + 5 * r.channel : 5000 + 5 * r.channel;
+            ap.frequencyMhz = core::is24GhzChannel(r.channel) ? 2407 + 5 * r.channel : 5000 + 5 * r.channel;
             ap.widthMhz = r.widthMhz;
             ap.security = plan.security;
             ap.ibss = plan.ibss;
             ap.legacyOnly = plan.legacy;
-            ap.vhtCapable = !plan.legacy && r.channel > 14 && (r.widthMhz >= 80 || vhtOnFiveGhz);
+            ap.vhtCapable = !plan.legacy && !core::is24GhzChannel(r.channel) && (r.widthMhz >= 80 || vhtOnFiveGhz);
             ap.spatialStreams = plan.streams;
             ap.shortGi = rng_.chance(0.8);
             ap.wps = plan.wps;

@@ -1,5 +1,6 @@
 #include "platform/sim/beacon_elements.h"
 
+#include "core/units.h"
 #include "platform/sim/element_builder.h"
 
 namespace platform::sim {
@@ -28,7 +29,7 @@ SecondaryChannel secondaryFor(const SimulatedAccessPoint& ap)
 {
     if (ap.widthMhz < 40)
         return SecondaryChannel::None;
-    if (ap.channel <= 14)
+    if (core::is24GhzChannel(ap.channel))
         return ap.channel <= 7 ? SecondaryChannel::Above : SecondaryChannel::Below;
     return blockStart(ap.channel, 40) == ap.channel ? SecondaryChannel::Above : SecondaryChannel::Below;
 }
@@ -84,7 +85,7 @@ std::uint16_t capabilityInfoFor(const SimulatedAccessPoint& ap)
     std::uint16_t info = ap.ibss ? capabilityIbss : capabilityEss;
     if (ap.security != SecurityKind::Open)
         info |= capabilityPrivacy;
-    if (ap.channel <= 14)
+    if (core::is24GhzChannel(ap.channel))
         info |= capabilityShortPreamble | capabilityShortSlot;
     else if (isDfsChannel(ap.channel))
         info |= capabilitySpectrumManagement;
@@ -93,7 +94,7 @@ std::uint16_t capabilityInfoFor(const SimulatedAccessPoint& ap)
 
 QByteArray elementsFor(const SimulatedAccessPoint& ap, const QByteArray& ssidField, qsizetype* loadOffset)
 {
-    const bool band24 = ap.channel <= 14;
+    const bool band24 = core::is24GhzChannel(ap.channel);
     ElementBuilder builder;
     builder.ssid(ssidField);
     if (band24) {

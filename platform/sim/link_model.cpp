@@ -1,5 +1,6 @@
 #include "platform/sim/link_model.h"
 
+#include "core/units.h"
 #include "platform/api/wireless_types.h"
 
 #include <algorithm>
@@ -40,7 +41,7 @@ LinkStatistics linkStatisticsFor(const SimulatedAccessPoint& ap, int rssiDbm, in
 {
     LinkStatistics link;
     const int snr = rssiDbm - noiseDbm;
-    const bool band24 = ap.channel <= 14;
+    const bool band24 = core::is24GhzChannel(ap.channel);
 
     if (ap.legacyOnly) {
         static constexpr std::array<double, 8> ofdmRates = {6, 9, 12, 18, 24, 36, 48, 54};

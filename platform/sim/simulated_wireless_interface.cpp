@@ -116,7 +116,7 @@ void SimulatedWirelessInterface::fillLink(InterfaceSnapshot& s, const QDateTime&
     s.rssiValue = environment_->signalDbm(index, now);
     s.noiseMeasurement = environment_->noiseDbm(ap.channel, now);
     s.transmitRate = link.transmitRateMbps;
-    s.wlanChannel = WlanChannel{ap.channel, ap.channel <= 14 ? ChannelBand::Band2GHz : ChannelBand::Band5GHz,
+    s.wlanChannel = WlanChannel{ap.channel, core::bandForChannel(ap.channel),
                                 core::widthCodeForMhz(ap.widthMhz)};
     s.mcsIndex = link.mcsIndex;
     s.spatialStreams = link.spatialStreams;
