@@ -13,6 +13,7 @@ allowed() {
         platform/api) echo "core" ;;
         scan) echo "core platform/api" ;;
         platform/linux|platform/sim|platform/capture) echo "core platform/api scan" ;;
+        scanning/view) echo "core platform/api scan scanning" ;;
         scanning|sensor) echo "core platform/api scan" ;;
         graphs) echo "core platform/api scan scanning" ;;
         testsupport) echo "core platform/api scan scanning" ;;
@@ -23,7 +24,7 @@ allowed() {
 
 layer_of() {
     case $1 in
-        platform/*/*|app/*/*) echo "$1" | cut -d/ -f1-2 ;;
+        platform/*/*|app/*/*|scanning/view/*) echo "$1" | cut -d/ -f1-2 ;;
         */*) echo "$1" | cut -d/ -f1 ;;
         *) echo "" ;;
     esac

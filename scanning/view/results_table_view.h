@@ -1,0 +1,57 @@
+#pragma once
+
+#include "scan/scaned_result_info.h"
+
+#include <QList>
+#include <QTableView>
+
+class QAction;
+class QMenu;
+
+namespace core {
+class UserSettings;
+}
+
+namespace scanning {
+class ResultsTableModel;
+class ResultsTableItemModel;
+}
+
+namespace scanning::view {
+
+// The results table: a view over the results item model that hands header clicks, row
+// selection, ticks, copying and double clicks to the results table logic.
+class ResultsTableView : public QTableView {
+    Q_OBJECT
+public:
+    ResultsTableView(scanning::ResultsTableModel& results, core::UserSettings& settings, QWidget* parent = nullptr);
+
+    scanning::ResultsTableItemModel& itemModel() const { return *items_; }
+    QAction* copyAction() const { return copy_; }
+    // The menu of column titles the header opens; built afresh each time it is asked for.
+    QMenu* headerMenu();
+    // Reads the "fontSize" setting again, as it may change while the program runs.
+    void applyFontSize();
+
+signals:
+    void samplesWindowRequested(const QString& header, const QList<scan::ScanedResultInfo>& history);
+
+private:
+    void headerClicked(int section);
+    void showHeaderMenu(const QPoint& position);
+    void selectionFollowsView();
+    void selectionFollowsModel();
+    void showSortIndicator();
+    void cellDoubleClicked(const QModelIndex& index);
+    void copySelectedRows();
+    void openTagWindow(const QString& bssid, const QString& currentTag);
+
+    scanning::ResultsTableModel& results_;
+    core::UserSettings& settings_;
+    scanning::ResultsTableItemModel* items_;
+    QAction* copy_;
+    QMenu* headerMenu_ = nullptr;
+    bool followingModel_ = false;
+};
+
+} // namespace scanning::view
