@@ -15,6 +15,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QCompleter>
 #include <QDialogButtonBox>
 #include <QLabel>
@@ -27,6 +28,8 @@
 #include <QMessageBox>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
+#include <QToolButton>
 
 #include <gtest/gtest.h>
 
@@ -124,17 +127,24 @@ protected:
 
 TEST_F(ScannerTabTest, RunControlsAndTestListFollowTheDriver)
 {
+    auto* interval = tab.findChild<QComboBox*>(QStringLiteral("intervalSelector"));
+    ASSERT_NE(interval, nullptr);
+    interval->setCurrentIndex(interval->findData(10));
+    EXPECT_EQ(driver.refreshIntervalSeconds(), 10);
     QAction* run = tab.startPauseAction();
     EXPECT_EQ(run->text(), "Start Scan");
     EXPECT_FALSE(tab.stopAction()->isEnabled());
     start();
     EXPECT_EQ(run->text(), "Pause Scan");
+    EXPECT_FALSE(interval->isEnabled());
+    EXPECT_EQ(driver.wifiScanTestArray().first()->refreshInterval, 10);
     run->trigger();
     EXPECT_EQ(run->text(), "Resume Scan");
     run->trigger();
     EXPECT_EQ(run->text(), "Pause Scan");
     tab.stopAction()->trigger();
     EXPECT_EQ(run->text(), "Start Scan");
+    EXPECT_TRUE(interval->isEnabled());
 
     QListWidget* list = tab.testList()->list();
     ASSERT_EQ(list->count(), 1);
@@ -145,6 +155,39 @@ TEST_F(ScannerTabTest, RunControlsAndTestListFollowTheDriver)
     start();
     ASSERT_EQ(list->count(), 2);
     EXPECT_EQ(list->item(1)->text(), "Office");
+}
+
+TEST_F(ScannerTabTest, DeletingAsksFirstAndTheRunningTestIsRefused)
+{
+    start();
+    tab.stopAction()->trigger();
+    start();
+    QListWidget* list = tab.testList()->list();
+    auto* remove = tab.testList()->findChild<QToolButton*>(QStringLiteral("deleteTestButton"));
+    ASSERT_NE(remove, nullptr);
+
+    list->setCurrentRow(0);
+    remove->click();
+    auto* refusal = tab.findChild<QMessageBox*>(QStringLiteral("scannerAlert"));
+    ASSERT_NE(refusal, nullptr);
+    EXPECT_EQ(refusal->text(), "You cannot delete currently running test.");
+    EXPECT_EQ(list->count(), 2);
+
+    QString asked;
+    QTimer::singleShot(0, [&] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        ASSERT_NE(box, nullptr);
+        asked = box->text();
+        EXPECT_EQ(box->textFormat(), Qt::PlainText);
+        for (QAbstractButton* button : box->buttons()) {
+            if (button->text() == QLatin1String("Yes"))
+                button->click();
+        }
+    });
+    list->setCurrentRow(1);
+    remove->click();
+    EXPECT_EQ(asked, "Are you sure you want to delete?");
+    EXPECT_EQ(list->count(), 1);
 }
 
 TEST_F(ScannerTabTest, ScanFillsTheTableByNameAndHeaderClicksReverseKeepingTheSelection)
