@@ -72,6 +72,11 @@ QString DesktopApplication::backendStatus() const
     return parts_ ? parts_->backend.statusText : QString();
 }
 
+std::shared_ptr<platform::WirelessInterface> DesktopApplication::currentInterface() const
+{
+    return parts_ ? parts_->backend.interface : nullptr;
+}
+
 bool DesktopApplication::launch()
 {
     QString error;

@@ -15,6 +15,7 @@ class QThread;
 
 namespace platform {
 class ShellCommandRunner;
+class WirelessInterface;
 class SystemClock;
 }
 namespace scanning {
@@ -52,6 +53,7 @@ public:
     WiFiTurnedOffWindow* wifiTurnedOffWindow() const { return turnWiFiOnOffWindow_; }
     ReviewWindow* reviewWindow() const { return reivewController_; }
     QString backendStatus() const;
+    std::shared_ptr<platform::WirelessInterface> currentInterface() const;
 
 public slots:
     void terminate();
