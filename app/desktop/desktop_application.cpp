@@ -1,5 +1,6 @@
 #include "app/desktop/desktop_application.h"
 
+#include "app/cli/cli_arguments.h"
 #include "app/desktop/interface_state_reactions.h"
 #include "app/desktop/review_window.h"
 #include "app/desktop/scan_main_window.h"
@@ -23,28 +24,6 @@
 #include <QThread>
 
 namespace app::desktop {
-namespace {
-
-// The options that make the channel-information runs of skyvane-cli see the same radio.
-QStringList toolArguments(const app::BackendOptions& backend)
-{
-    QStringList arguments;
-    if (!backend.interfaceName.isEmpty())
-        arguments << QStringLiteral("--interface") << backend.interfaceName;
-    if (backend.simulate) {
-        arguments << (backend.simulatedAccessPoints
-                          ? QStringLiteral("--simulate=%1").arg(*backend.simulatedAccessPoints)
-                          : QStringLiteral("--simulate"));
-    }
-    if (backend.simulationSeed)
-        arguments << QStringLiteral("--seed") << QString::number(*backend.simulationSeed);
-    if (!backend.captureFile.isEmpty())
-        arguments << QStringLiteral("--capture") << backend.captureFile;
-    return arguments;
-}
-
-} // namespace
-
 struct DesktopApplication::Parts {
     app::Backend backend;
     SettingsStore settings;
@@ -106,7 +85,7 @@ bool DesktopApplication::launch()
     driver_ = std::make_unique<scanning::ScanTestDriver>(
         parts_->backend.interface, *database_, parts_->settings, parts_->timers, parts_->commands,
         QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("skyvane-cli")),
-        toolArguments(arguments_.backend));
+        app::cli::backendArguments(arguments_.backend));
     results_ = std::make_unique<scanning::ResultsTableModel>(parts_->settings);
     driver_->setResultsListener(results_.get());
     app::connectScanTestDriver(parts_->events, *driver_);
