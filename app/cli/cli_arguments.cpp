@@ -86,6 +86,23 @@ std::optional<QString> backendOptionsConflict(const app::BackendOptions& options
     return std::nullopt;
 }
 
+QStringList backendArguments(const app::BackendOptions& backend)
+{
+    QStringList arguments;
+    if (!backend.interfaceName.isEmpty())
+        arguments << QStringLiteral("--interface") << backend.interfaceName;
+    if (backend.simulate) {
+        arguments << (backend.simulatedAccessPoints
+                          ? QStringLiteral("--simulate=%1").arg(*backend.simulatedAccessPoints)
+                          : QStringLiteral("--simulate"));
+    }
+    if (backend.simulationSeed)
+        arguments << QStringLiteral("--seed") << QString::number(*backend.simulationSeed);
+    if (!backend.captureFile.isEmpty())
+        arguments << QStringLiteral("--capture") << backend.captureFile;
+    return arguments;
+}
+
 QString commandWord(const QStringList& arguments)
 {
     app::BackendOptions ignored;

@@ -25,6 +25,9 @@ BackendOptionResult takeBackendOption(const QStringList& arguments, qsizetype& i
 // nullopt when the backend options fit together, else why not.
 std::optional<QString> backendOptionsConflict(const app::BackendOptions& options);
 
+// The options that make another run of skyvane-cli (the channel-information tool) see the same radio.
+QStringList backendArguments(const app::BackendOptions& options);
+
 // The first argument that is neither a backend option nor its value, empty when there is none:
 // backend options may come before any command, and a command's own values (scan --ssid listen)
 // must never be taken for another command.

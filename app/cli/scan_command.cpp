@@ -22,24 +22,6 @@
 namespace app::cli {
 namespace {
 
-// The options that make the channel-information run of skyvane-cli -s see the same radio.
-QStringList backendArguments(const app::BackendOptions& backend)
-{
-    QStringList arguments;
-    if (!backend.interfaceName.isEmpty())
-        arguments << QStringLiteral("--interface") << backend.interfaceName;
-    if (backend.simulate) {
-        arguments << (backend.simulatedAccessPoints
-                          ? QStringLiteral("--simulate=%1").arg(*backend.simulatedAccessPoints)
-                          : QStringLiteral("--simulate"));
-    }
-    if (backend.simulationSeed)
-        arguments << QStringLiteral("--seed") << QString::number(*backend.simulationSeed);
-    if (!backend.captureFile.isEmpty())
-        arguments << QStringLiteral("--capture") << backend.captureFile;
-    return arguments;
-}
-
 int stopPipe[2] = {-1, -1};
 
 extern "C" void requestStop(int)
@@ -128,7 +110,7 @@ int runScan(const ScanRequest& request, core::UserSettings& userSettings, std::F
     scanning::QtTimerSource timers(clock);
     platform::ShellCommandRunner commands;
     scanning::ScanTestDriver driver(backend->interface, database, settings, timers, commands, QCoreApplication::applicationFilePath(),
-                          backendArguments(request.backend));
+                          app::cli::backendArguments(request.backend));
     driver.setRefreshIntervalSeconds(request.intervalSeconds);
     driver.filter() = request.filter;
     // The results view's model keeps the rows in its order (by name, A to Z, unless told otherwise).

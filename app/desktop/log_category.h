@@ -1,0 +1,6 @@
+#pragma once
+
+#include <QLoggingCategory>
+
+// The desktop program's log texts.
+Q_DECLARE_LOGGING_CATEGORY(lcDesktop)

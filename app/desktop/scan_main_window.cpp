@@ -1,0 +1,94 @@
+#include "app/desktop/scan_main_window.h"
+
+#include "scanning/view/scanner_tab.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QTabWidget>
+
+namespace app::desktop {
+namespace {
+
+const QString geometryKey = QStringLiteral("mainWindowGeometry");
+const QString stateKey = QStringLiteral("mainWindowState");
+
+} // namespace
+
+ScanMainWindow::ScanMainWindow(scanning::view::ScannerTab* scannerTab, core::UserSettings& settings,
+                               const QString& backendStatus, QWidget* parent)
+    : QMainWindow(parent), settings_(settings), backendLabel_(new QLabel(backendStatus, this))
+{
+    setObjectName(QStringLiteral("skvMainWindow"));
+    setAccessibleName(tr("Skyvane"));
+    setWindowTitle(QStringLiteral("Skyvane"));
+
+    auto* tabs = new QTabWidget(this);
+    tabs->setObjectName(QStringLiteral("tabView"));
+    tabs->setAccessibleName(tr("Tabs"));
+    tabs->addTab(scannerTab, tr("Scanner"));
+    setCentralWidget(tabs);
+
+    // The backend's sentence (a simulated radio, a replayed capture) stays in view: the user
+    // must always be able to tell what they are looking at.
+    backendLabel_->setObjectName(QStringLiteral("backendStatusLabel"));
+    backendLabel_->setAccessibleName(tr("Backend"));
+    backendLabel_->setTextFormat(Qt::PlainText);
+    backendLabel_->setVisible(!backendStatus.isEmpty());
+    statusBar()->setObjectName(QStringLiteral("statusBar"));
+    statusBar()->setAccessibleName(tr("Status"));
+    statusBar()->addPermanentWidget(backendLabel_);
+    connect(scannerTab, &scanning::view::ScannerTab::statusMessage, statusBar(),
+            [this](const QString& text) { statusBar()->showMessage(text); });
+
+    buildMenus(scannerTab);
+    resize(1000, 640);
+}
+
+void ScanMainWindow::buildMenus(scanning::view::ScannerTab* scannerTab)
+{
+    QMenu* file = menuBar()->addMenu(tr("&File"));
+    file->setObjectName(QStringLiteral("fileMenu"));
+    file->addMenu(scannerTab->exportMenu());
+    file->addSeparator();
+    QAction* quit = file->addAction(tr("&Quit"), this, &ScanMainWindow::quitRequested);
+    quit->setObjectName(QStringLiteral("quitAction"));
+    quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    quit->setMenuRole(QAction::QuitRole);
+
+    QMenu* edit = menuBar()->addMenu(tr("&Edit"));
+    edit->setObjectName(QStringLiteral("editMenu"));
+    edit->addAction(scannerTab->copyAction());
+
+    QMenu* scan = menuBar()->addMenu(tr("&Scan"));
+    scan->setObjectName(QStringLiteral("scanMenu"));
+    scan->addAction(scannerTab->startPauseAction());
+    scan->addAction(scannerTab->stopAction());
+    scan->addAction(scannerTab->applyFilterAction());
+}
+
+void ScanMainWindow::saveWindowState()
+{
+    settings_.setValue(geometryKey, QString::fromLatin1(saveGeometry().toBase64()));
+    settings_.setValue(stateKey, QString::fromLatin1(saveState().toBase64()));
+}
+
+void ScanMainWindow::restoreWindowState()
+{
+    const QByteArray geometry = QByteArray::fromBase64(settings_.value(geometryKey).toString().toLatin1());
+    if (!geometry.isEmpty())
+        restoreGeometry(geometry);
+    const QByteArray state = QByteArray::fromBase64(settings_.value(stateKey).toString().toLatin1());
+    if (!state.isEmpty())
+        restoreState(state);
+}
+
+void ScanMainWindow::closeEvent(QCloseEvent* event)
+{
+    event->ignore();
+    emit closeRequested();
+}
+
+} // namespace app::desktop

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "core/user_settings.h"
+
+#include <QMainWindow>
+
+class QLabel;
+
+namespace scanning::view {
+class ScannerTab;
+}
+
+// The main window: the tabs, the menus over the tabs' actions, and a status bar that always
+// names the backend. Closing it asks the owner, which decides whether the program quits.
+namespace app::desktop {
+
+class ScanMainWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    ScanMainWindow(scanning::view::ScannerTab* scannerTab, core::UserSettings& settings, const QString& backendStatus,
+                   QWidget* parent = nullptr);
+
+    // Geometry and the dock and toolbar state, kept in the user settings for the next launch.
+    void saveWindowState();
+    void restoreWindowState();
+
+signals:
+    // The window's close button or the window manager.
+    void closeRequested();
+    // File > Quit.
+    void quitRequested();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void buildMenus(scanning::view::ScannerTab* scannerTab);
+
+    core::UserSettings& settings_;
+    QLabel* backendLabel_;
+};
+
+} // namespace app::desktop

@@ -1,0 +1,139 @@
+#include "app/desktop/desktop_application.h"
+#include "app/desktop/scan_main_window.h"
+#include "app/desktop/wifi_turned_off_window.h"
+#include "app/settings/settings_store.h"
+#include "scanning/results_table_model.h"
+
+#include <QLabel>
+#include <QMenuBar>
+#include <QProcess>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using app::desktop::DesktopApplication;
+using app::desktop::DesktopArguments;
+
+class DesktopWindow : public testing::Test {
+protected:
+    std::unique_ptr<DesktopApplication> make(const QStringList& arguments)
+    {
+        DesktopArguments parsed = app::desktop::parseDesktopArguments(arguments);
+        EXPECT_EQ(parsed.action, DesktopArguments::Action::Run) << parsed.message.toStdString();
+        return std::make_unique<DesktopApplication>(parsed, [this](const QString& reason) { reasons << reason; });
+    }
+    QStringList simulated() const { return {QStringLiteral("--simulate=20"), QStringLiteral("--db"), database()}; }
+    QString database() const { return folder.filePath(QStringLiteral("Database.sqlite")); }
+    void setSummary(bool on) { SettingsStore().setValue(QStringLiteral("SHOW_SUMMARY_WINDOW"), on); }
+
+    QTemporaryDir folder;
+    QStringList reasons;
+};
+
+TEST_F(DesktopWindow, OpensOnTheSimulatedRadioScansAndQuitsCleanly)
+{
+    setSummary(false);
+    auto desktop = make(simulated());
+    ASSERT_TRUE(desktop->launch()) << reasons.join(QLatin1Char('\n')).toStdString();
+    app::desktop::ScanMainWindow* window = desktop->mainWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+    EXPECT_EQ(window->windowTitle(), "Skyvane");
+    const auto* backend = window->findChild<QLabel*>(QStringLiteral("backendStatusLabel"));
+    ASSERT_NE(backend, nullptr);
+    EXPECT_FALSE(backend->text().isEmpty());
+    EXPECT_EQ(backend->text(), desktop->backendStatus());
+    QStringList menus;
+    for (QAction* menu : window->menuBar()->actions())
+        menus << menu->text();
+    EXPECT_EQ(menus, (QStringList{"&File", "&Edit", "&Scan"}));
+
+    // The launch notification starts the first test without a click.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return desktop->results()->rowCount() > 0; }, 15000));
+
+    QSignalSpy terminated(desktop.get(), &DesktopApplication::terminated);
+    window->close();
+    EXPECT_EQ(terminated.count(), 1);
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_TRUE(reasons.isEmpty()) << reasons.join(QLatin1Char('\n')).toStdString();
+    // The database was closed and its lock released: another scanner may open it now.
+    auto next = make(simulated());
+    EXPECT_TRUE(next->launch()) << reasons.join(QLatin1Char('\n')).toStdString();
+    next->terminate();
+}
+
+TEST_F(DesktopWindow, SummaryAtTheFirstCloseAndQuitAtTheSecond)
+{
+    setSummary(true);
+    auto desktop = make(simulated());
+    ASSERT_TRUE(desktop->launch());
+    QSignalSpy terminated(desktop.get(), &DesktopApplication::terminated);
+    desktop->mainWindow()->close();
+    ASSERT_NE(desktop->reviewWindow(), nullptr);
+    EXPECT_TRUE(desktop->reviewWindow()->isVisible());
+    EXPECT_EQ(terminated.count(), 0);
+
+    // "Continue scanning" forgets the summary; the next close shows it again.
+    desktop->reviewWindow()->findChild<QPushButton*>(QStringLiteral("continueScanningButton"))->click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return desktop->reviewWindow() == nullptr; }));
+    desktop->mainWindow()->close();
+    ASSERT_NE(desktop->reviewWindow(), nullptr);
+    desktop->mainWindow()->close();
+    EXPECT_EQ(terminated.count(), 1);
+}
+
+TEST_F(DesktopWindow, RadioSwitchedOffShowsTheSheetThatTurnsItBackOn)
+{
+    setSummary(false);
+    auto desktop = make(simulated());
+    ASSERT_TRUE(desktop->launch());
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(desktop->mainWindow()));
+    ASSERT_FALSE(desktop->currentInterface()->setPower(false).has_value());
+    app::desktop::WiFiTurnedOffWindow* sheet = desktop->wifiTurnedOffWindow();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return sheet->isVisible(); }));
+    EXPECT_EQ(sheet->windowModality(), Qt::WindowModal);
+
+    sheet->findChild<QPushButton*>(QStringLiteral("turnWiFiOnButton"))->click();
+    EXPECT_TRUE(desktop->currentInterface()->snapshot().powerOn);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !sheet->isVisible(); }));
+    desktop->terminate();
+}
+
+TEST_F(DesktopWindow, RefusesABackendOrDatabaseThatCannotBeUsed)
+{
+    auto capture = make({QStringLiteral("--capture"), folder.filePath(QStringLiteral("missing.pcap"))});
+    EXPECT_FALSE(capture->launch());
+    ASSERT_EQ(reasons.size(), 1);
+    EXPECT_TRUE(reasons[0].contains(QStringLiteral("missing.pcap"))) << reasons[0].toStdString();
+
+    // A database another scanner holds is refused with the reason, not shared.
+    auto first = make(simulated());
+    ASSERT_TRUE(first->launch());
+    auto second = make(simulated());
+    EXPECT_FALSE(second->launch());
+    ASSERT_EQ(reasons.size(), 2);
+    EXPECT_TRUE(reasons[1].contains(database())) << reasons[1].toStdString();
+    first->terminate();
+}
+
+TEST_F(DesktopWindow, TheProgramSaysWhyAndExitsOneWithoutBlockingOnADialog)
+{
+    QProcess program;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    environment.insert(QStringLiteral("HOME"), folder.path());
+    program.setProcessEnvironment(environment);
+    program.start(QStringLiteral(SKYVANE_BINARY_DIR "/app/cli/skyvane"),
+                  {QStringLiteral("--capture"), folder.filePath(QStringLiteral("unreadable.pcap")),
+                   QStringLiteral("--db"), database()});
+    ASSERT_TRUE(program.waitForFinished(30000));
+    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(program.exitCode(), 1);
+    EXPECT_TRUE(program.readAllStandardError().contains("unreadable.pcap"));
+}
+
+} // namespace
