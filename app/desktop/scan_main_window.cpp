@@ -6,6 +6,7 @@
 #include <QCloseEvent>
 #include <QLabel>
 #include <QMenuBar>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTabWidget>
 
@@ -78,8 +79,11 @@ void ScanMainWindow::saveWindowState()
 void ScanMainWindow::restoreWindowState()
 {
     const QByteArray geometry = QByteArray::fromBase64(settings_.value(geometryKey).toString().toLatin1());
-    if (!geometry.isEmpty())
-        restoreGeometry(geometry);
+    // A first start opens wide enough for the table's columns, within the screen.
+    if (geometry.isEmpty() || !restoreGeometry(geometry)) {
+        const QSize available = screen() ? screen()->availableSize() : QSize(1280, 800);
+        resize(available.boundedTo(QSize(1280, 800)));
+    }
     const QByteArray state = QByteArray::fromBase64(settings_.value(stateKey).toString().toLatin1());
     if (!state.isEmpty())
         restoreState(state);

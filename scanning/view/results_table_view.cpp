@@ -14,6 +14,8 @@
 #include <QMenu>
 #include <QStyledItemDelegate>
 
+#include <algorithm>
+
 namespace scanning::view {
 
 namespace {
@@ -75,12 +77,27 @@ ResultsTableView::ResultsTableView(scanning::ResultsTableModel& results, core::U
     connect(&results_, &scanning::ResultsTableModel::tableReloaded, this, &ResultsTableView::selectionFollowsModel);
     connect(&results_, &scanning::ResultsTableModel::rowsSelected, this, &ResultsTableView::selectionFollowsModel);
     connect(&results_, &scanning::ResultsTableModel::tableReloaded, this, &ResultsTableView::showSortIndicator);
+    connect(&results_, &scanning::ResultsTableModel::tableReloaded, this, &ResultsTableView::fitColumnsOnce);
     connect(this, &QAbstractItemView::doubleClicked, this, &ResultsTableView::cellDoubleClicked);
     connect(&results_, &scanning::ResultsTableModel::bssidTagWindowRequested, this, &ResultsTableView::openTagWindow);
     connect(&results_, &scanning::ResultsTableModel::samplesWindowRequested, this,
             &ResultsTableView::samplesWindowRequested);
     applyFontSize();
     showSortIndicator();
+}
+
+void ResultsTableView::fitColumnsOnce()
+{
+    // Sized to the first rows only: measuring every cell again on each scan would cost the GUI
+    // thread time in proportion to the table, and would undo the user's own column widths.
+    if (columnsFitted_ || items_->rowCount() == 0)
+        return;
+    columnsFitted_ = true;
+    resizeColumnsToContents();
+    // A long vendor name should not push every other column out of sight.
+    const int widest = fontMetrics().horizontalAdvance(QLatin1Char('M')) * 18;
+    for (int column = 0; column < items_->columnCount(); ++column)
+        setColumnWidth(column, std::min(columnWidth(column), widest));
 }
 
 void ResultsTableView::applyFontSize()

@@ -45,6 +45,7 @@ private:
     void cellDoubleClicked(const QModelIndex& index);
     void copySelectedRows();
     void openTagWindow(const QString& bssid, const QString& currentTag);
+    void fitColumnsOnce();
 
     scanning::ResultsTableModel& results_;
     core::UserSettings& settings_;
@@ -52,6 +53,7 @@ private:
     QAction* copy_;
     QMenu* headerMenu_ = nullptr;
     bool followingModel_ = false;
+    bool columnsFitted_ = false;
 };
 
 } // namespace scanning::view
