@@ -1,3 +1,4 @@
+#include "testsupport/scanned_network.h"
 #include "testsupport/stub_wireless_interface.h"
 #include "core/memory_settings.h"
 #include "scanning/scan_test_driver.h"
@@ -34,17 +35,7 @@ void captureLog(QtMsgType, const QMessageLogContext&, const QString& text)
     logged.append(text);
 }
 
-platform::ScanResult network(const QString& bssid, const QString& ssid, int channel, int rssi)
-{
-    platform::ScanResult result;
-    result.bssid = bssid;
-    result.ssid = ssid;
-    result.channelNumber = channel;
-    result.channelBand = channel > 14 ? platform::ChannelBand::Band5GHz : platform::ChannelBand::Band2GHz;
-    result.rssiValue = rssi;
-    result.noiseMeasurement = -95;
-    return result;
-}
+using testsupport::scannedNetwork;
 
 platform::ScanOutcome failure(int code)
 {
@@ -131,7 +122,7 @@ protected:
         if (!QCoreApplication::instance())
             new QCoreApplication(argc, argv);
         QLoggingCategory::setFilterRules(QStringLiteral("skyvane.*=true"));
-        interface->outcomes = {{{network("00:0b:86:ab:34:80", "Lab", 44, -60), network("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}}};
+        interface->outcomes = {{{scannedNetwork("00:0b:86:ab:34:80", "Lab", 44, -60), scannedNetwork("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}}};
         logged.clear();
         qInstallMessageHandler(captureLog);
         database.updateDatabase();
@@ -223,7 +214,7 @@ TEST_F(ScanTestDriverTest, FailureShowsOnlyOnEveryThirdInARow)
 
 TEST_F(ScanTestDriverTest, EmptyOrFailedScanFallsBackToCachedResults)
 {
-    interface->cached = {network("fc:ec:da:56:ec:80", "Cafe", 11, -71)};
+    interface->cached = {scannedNetwork("fc:ec:da:56:ec:80", "Cafe", 11, -71)};
     interface->outcomes = {{}, failure(7)};
     start();
     ASSERT_EQ(newest()->scanedData1.size(), 1);
@@ -275,8 +266,8 @@ TEST_F(ScanTestDriverTest, LaunchStartsScanningAndRefreshesChannelsEveryMinute)
 
 TEST_F(ScanTestDriverTest, HistoryIsBoundedAndStaleRowsAddNoSample)
 {
-    interface->outcomes = {{{network("00:0b:86:ab:34:80", "Lab", 44, -60), network("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}},
-                           {{network("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}}};
+    interface->outcomes = {{{scannedNetwork("00:0b:86:ab:34:80", "Lab", 44, -60), scannedNetwork("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}},
+                           {{scannedNetwork("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}}};
     start();
     for (int i = 0; i < 15; ++i)
         tick();
@@ -316,8 +307,8 @@ TEST_F(ScanTestDriverTest, ConnectedNetworkIsShownAndCountedWhenTheScanMissedIt)
 
 TEST_F(ScanTestDriverTest, CountLabelWithAndWithoutMerging)
 {
-    interface->outcomes = {{{network("00:0b:86:ab:34:80", "Lab", 44, -60), network("00:0b:86:ab:34:90", "Lab", 48, -70),
-                             network("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}}};
+    interface->outcomes = {{{scannedNetwork("00:0b:86:ab:34:80", "Lab", 44, -60), scannedNetwork("00:0b:86:ab:34:90", "Lab", 48, -70),
+                             scannedNetwork("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}}};
     const std::vector<std::pair<int, QString>> cases{{0, "3 of 3 shown"}, {1, "2 of 3 shown (merged 1)"}};
     start();
     for (const auto& [merge, label] : cases) {
@@ -408,7 +399,7 @@ TEST_F(ScanTestDriverTest, CompletionOffersTheNamesAndChannelsTheScansShowed)
 
 TEST_F(ScanTestDriverTest, AQuotedNameFiltersTheShownRows)
 {
-    interface->outcomes = {{{network("00:0b:86:ab:34:80", "Joe's", 44, -60), network("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}}};
+    interface->outcomes = {{{scannedNetwork("00:0b:86:ab:34:80", "Joe's", 44, -60), scannedNetwork("3c:a6:2f:38:f3:e0", "Home", 6, -44)}, {}}};
     driver.filter().ssidForFilterValue = QStringLiteral("joe's");
     ASSERT_TRUE(driver.filter().userDidClickedApplyFilterButton());
     start();

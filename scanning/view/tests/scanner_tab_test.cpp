@@ -10,6 +10,7 @@
 #include "scanning/view/results_table_view.h"
 #include "scanning/view/test_list_view.h"
 #include "testsupport/fake_timer_source.h"
+#include "testsupport/scanned_network.h"
 #include "testsupport/stub_wireless_interface.h"
 
 #include <QAction>
@@ -40,25 +41,15 @@ void PrintTo(const QString& text, std::ostream* out) { *out << '"' << text.toStd
 
 namespace {
 
-platform::ScanResult network(const QString& bssid, const QString& ssid, int channel, int rssi)
-{
-    platform::ScanResult result;
-    result.bssid = bssid;
-    result.ssid = ssid;
-    result.channelNumber = channel;
-    result.channelBand = channel > 14 ? platform::ChannelBand::Band5GHz : platform::ChannelBand::Band2GHz;
-    result.rssiValue = rssi;
-    result.noiseMeasurement = -95;
-    return result;
-}
+using testsupport::scannedNetwork;
 
 class ScriptedInterface : public testsupport::StubWirelessInterface {
 public:
     QString interfaceName() const override { return QStringLiteral("wlan9"); }
     platform::ScanOutcome scanForNetworksWithSSID(const QByteArray&) override { return {networks, {}}; }
-    QList<platform::ScanResult> networks{network("00:0b:86:ab:34:80", "lab", 44, -60),
-                                         network("3c:a6:2f:38:f3:e0", "Home", 6, -44),
-                                         network("10:20:30:40:50:60", "<b>x</b>", 11, -70)};
+    QList<platform::ScanResult> networks{scannedNetwork("00:0b:86:ab:34:80", "lab", 44, -60),
+                                         scannedNetwork("3c:a6:2f:38:f3:e0", "Home", 6, -44),
+                                         scannedNetwork("10:20:30:40:50:60", "<b>x</b>", 11, -70)};
 };
 
 class SilentRunner : public platform::CommandRunner {
@@ -234,8 +225,8 @@ TEST_F(ScannerTabTest, FilterApplyAndClearChangeTheRowsAndTheButton)
 
 TEST_F(ScannerTabTest, NameCompletionIsACaseInsensitivePrefixOverSeenNames)
 {
-    interface->networks = {network("00:00:00:00:00:01", "Chez", 1, -50), network("00:00:00:00:00:02", "chalet", 1, -50),
-                           network("00:00:00:00:00:03", "Rich", 1, -50)};
+    interface->networks = {scannedNetwork("00:00:00:00:00:01", "Chez", 1, -50), scannedNetwork("00:00:00:00:00:02", "chalet", 1, -50),
+                           scannedNetwork("00:00:00:00:00:03", "Rich", 1, -50)};
     start();
     QCompleter* completer = tab.filterBar()->nameCompleter();
     completer->setCompletionPrefix(QStringLiteral("ch"));
