@@ -1,6 +1,7 @@
 #!/bin/sh
 # Set-up and entry point for a fresh Debian 12 machine:
-#   ./skyvane.sh run           install what is missing, build, run the headless scanner until Ctrl-C
+#   ./skyvane.sh run           install what is missing, build, open the desktop program (the
+#                              headless scanner until Ctrl-C when there is no display)
 #   ./skyvane.sh run CAPTURE   install what is missing, build, decode a capture file
 #   ./skyvane.sh test          install what is missing, build with sanitizers, fuzz briefly, run the tests
 #   ./skyvane.sh bench         build optimised and run the benchmarks
@@ -79,9 +80,14 @@ case "$cmd" in
     run)
         install_packages
         build_release
-        # Without a capture: the first Wi-Fi interface, or the simulated environment without one.
-        [ $# -ge 2 ] || exec "$ROOT/build/release/app/cli/skyvane-cli" scan
-        exec "$ROOT/build/release/app/cli/skyvane-cli" decode "$2"
+        [ $# -lt 2 ] || exec "$ROOT/build/release/app/cli/skyvane-cli" decode "$2"
+        # The first Wi-Fi interface, or the simulated environment without one: in a window when
+        # there is a display, else the same scanner on the terminal.
+        if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+            exec "$ROOT/build/release/app/cli/skyvane"
+        fi
+        echo "No display (DISPLAY and WAYLAND_DISPLAY are unset): running the headless scanner instead." >&2
+        exec "$ROOT/build/release/app/cli/skyvane-cli" scan
         ;;
     test)
         install_packages
