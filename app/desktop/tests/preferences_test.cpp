@@ -122,7 +122,8 @@ TEST_F(Preferences, EachControlWritesItsKeyAndAnnouncesIt)
     EXPECT_EQ(changed.takeLast().at(0).toString(), "udp_log_file_path");
 
     for (QWidget* control : window.findChildren<QWidget*>()) {
-        if (control->focusPolicy() & Qt::TabFocus) {
+        // Qt's own parts of a control (a spin box's line edit, the tab bar) are named by Qt.
+        if ((control->focusPolicy() & Qt::TabFocus) && !control->objectName().startsWith(QLatin1String("qt_"))) {
             EXPECT_FALSE(control->objectName().isEmpty()) << control->metaObject()->className();
             EXPECT_FALSE(control->accessibleName().isEmpty()) << control->objectName().toStdString();
         }
