@@ -1,6 +1,7 @@
 #include "app/desktop/desktop_application.h"
 
 #include "app/cli/cli_arguments.h"
+#include "app/desktop/general_preferences.h"
 #include "app/desktop/interface_state_reactions.h"
 #include "app/desktop/review_window.h"
 #include "app/desktop/scan_main_window.h"
@@ -94,6 +95,10 @@ bool DesktopApplication::launch()
     auto* tab = new scanning::view::ScannerTab(*driver_, *results_, parts_->settings);
     mainWindow_ = std::make_unique<ScanMainWindow>(tab, parts_->settings, parts_->backend.statusText);
     mainWindow_->restoreWindowState();
+    connect(mainWindow_.get(), &ScanMainWindow::settingChanged, tab, [tab](const QString& key) {
+        if (key == QLatin1String(GeneralPreferences::fontSizeKey))
+            tab->applyFontSize();
+    });
     quit_ = std::make_unique<QuitSequence>(parts_->settings);
     connect(mainWindow_.get(), &ScanMainWindow::closeRequested, this, [this] { quitDecided(quit_->close()); });
     connect(mainWindow_.get(), &ScanMainWindow::quitRequested, this,

@@ -1,5 +1,6 @@
 #include "app/desktop/scan_main_window.h"
 
+#include "app/desktop/preferences_window.h"
 #include "scanning/view/scanner_tab.h"
 
 #include <QAction>
@@ -54,6 +55,12 @@ void ScanMainWindow::buildMenus(scanning::view::ScannerTab* scannerTab)
     file->setObjectName(QStringLiteral("fileMenu"));
     file->addMenu(scannerTab->exportMenu());
     file->addSeparator();
+    QAction* preferences = file->addAction(tr("&Preferences…"), this, &ScanMainWindow::openPreferences);
+    preferences->setObjectName(QStringLiteral("preferencesAction"));
+    // QKeySequence::Preferences is empty on some desktops.
+    preferences->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    preferences->setMenuRole(QAction::PreferencesRole);
+    file->addSeparator();
     QAction* quit = file->addAction(tr("&Quit"), this, &ScanMainWindow::quitRequested);
     quit->setObjectName(QStringLiteral("quitAction"));
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
@@ -68,6 +75,17 @@ void ScanMainWindow::buildMenus(scanning::view::ScannerTab* scannerTab)
     scan->addAction(scannerTab->startPauseAction());
     scan->addAction(scannerTab->stopAction());
     scan->addAction(scannerTab->applyFilterAction());
+}
+
+void ScanMainWindow::openPreferences()
+{
+    if (!preferences_) {
+        preferences_ = new PreferencesWindow(settings_, this);
+        connect(preferences_, &PreferencesWindow::settingChanged, this, &ScanMainWindow::settingChanged);
+    }
+    preferences_->show();
+    preferences_->raise();
+    preferences_->activateWindow();
 }
 
 void ScanMainWindow::saveWindowState()

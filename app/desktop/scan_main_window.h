@@ -14,6 +14,8 @@ class ScannerTab;
 // names the backend. Closing it asks the owner, which decides whether the program quits.
 namespace app::desktop {
 
+class PreferencesWindow;
+
 class ScanMainWindow : public QMainWindow {
     Q_OBJECT
 public:
@@ -24,11 +26,19 @@ public:
     void saveWindowState();
     void restoreWindowState();
 
+    // Null until File > Preferences… first opens it; then the same window each time.
+    PreferencesWindow* preferencesWindow() const { return preferences_; }
+
+public slots:
+    void openPreferences();
+
 signals:
     // The window's close button or the window manager.
     void closeRequested();
     // File > Quit.
     void quitRequested();
+    // A preference was written; its readers apply it now.
+    void settingChanged(const QString& key);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -38,6 +48,7 @@ private:
 
     core::UserSettings& settings_;
     QLabel* backendLabel_;
+    PreferencesWindow* preferences_ = nullptr;
 };
 
 } // namespace app::desktop
