@@ -14,14 +14,19 @@ SimulationControl::SimulationControl(QString path, std::shared_ptr<SimulatedWire
     // replacing the file ends the watch on the old one.
     watcher_.addPath(QFileInfo(path_).absolutePath());
     watchFile();
+    // One write can arrive as several notifications (truncate, write, rename); applying once
+    // after they settle keeps a stale one from undoing what the user did in between.
+    settle_.setSingleShot(true);
+    settle_.setInterval(settleInterval);
+    connect(&settle_, &QTimer::timeout, this, [this] { apply(); });
     connect(&watcher_, &QFileSystemWatcher::fileChanged, this, [this] {
         watchFile();
-        apply();
+        settle_.start();
     });
     connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, [this] {
         if (!watcher_.files().contains(path_) && QFileInfo::exists(path_)) {
             watchFile();
-            apply();
+            settle_.start();
         }
     });
 }

@@ -5,6 +5,7 @@
 #include <QFileSystemWatcher>
 #include <QObject>
 #include <QString>
+#include <QTimer>
 
 #include <memory>
 #include <optional>
@@ -20,6 +21,8 @@ namespace platform::sim {
 class SimulationControl : public QObject {
     Q_OBJECT
 public:
+    static constexpr int settleInterval = 50; // ms
+
     SimulationControl(QString path, std::shared_ptr<SimulatedWirelessInterface> interface,
                       QObject* parent = nullptr);
 
@@ -34,6 +37,7 @@ private:
     const QString path_;
     const std::shared_ptr<SimulatedWirelessInterface> interface_;
     QFileSystemWatcher watcher_;
+    QTimer settle_;
 };
 
 } // namespace platform::sim
