@@ -64,7 +64,7 @@ void scanCycle(benchmark::State& state, Store store)
     const int accessPoints = static_cast<int>(state.range(0));
     auto clock = std::make_shared<testsupport::ManualClock>(QDateTime::fromSecsSinceEpoch(1'750'000'000));
     platform::sim::SimulatedWirelessClient client(platform::sim::SimulationReason::ChosenOnCommandLine,
-                                                  {accessPoints, platform::sim::defaultSimulationSeed}, clock);
+                                                  {accessPoints, platform::sim::defaultSimulationSeed, {}}, clock);
     const auto wifi = client.interfaceWithName(QStringLiteral("sim0"));
     const QString activeBssid = scan::ScannerUtils::normalizeMAC(wifi->snapshot().bssid);
 

@@ -14,7 +14,7 @@ void simulatedScan(benchmark::State& state)
 {
     auto clock = std::make_shared<testsupport::ManualClock>(QDateTime::fromSecsSinceEpoch(1'750'000'000));
     platform::sim::SimulatedWirelessClient client(platform::sim::SimulationReason::ChosenOnCommandLine,
-                                                  {static_cast<int>(state.range(0)), platform::sim::defaultSimulationSeed}, clock);
+                                                  {static_cast<int>(state.range(0)), platform::sim::defaultSimulationSeed, {}}, clock);
     const auto wifi = client.interfaceWithName(QStringLiteral("sim0"));
     for (auto _ : state) {
         clock->advance(std::chrono::seconds(10));

@@ -32,6 +32,8 @@ std::optional<Backend> simulated(platform::sim::SimulationReason reason, const B
             std::clamp(*options.simulatedAccessPoints, 1, platform::sim::maximumAccessPointCount);
     if (options.simulationSeed)
         settings.seed = *options.simulationSeed;
+    // Read here, once per backend, so the simulator itself never looks at the environment.
+    settings.controlFile = qEnvironmentVariable("SKYVANE_SIM_CONTROL");
     return withOnlyInterface(std::make_shared<platform::sim::SimulatedWirelessClient>(reason, settings),
                              requestedName, QStringLiteral("The simulated environment"), error);
 }

@@ -1,6 +1,7 @@
 #include "platform/sim/simulated_wireless_client.h"
 
 #include "platform/sim/simulated_wireless_interface.h"
+#include "platform/sim/simulation_control.h"
 
 #include <algorithm>
 
@@ -16,7 +17,11 @@ SimulatedWirelessClient::SimulatedWirelessClient(SimulationReason reason, Simula
     interface_ = std::make_shared<SimulatedWirelessInterface>(
         QString::fromLatin1(interfaceNameText),
         std::make_unique<RadioEnvironment>(settings_.seed, settings_.accessPointCount), std::move(clock));
+    if (!settings_.controlFile.isEmpty())
+        control_ = std::make_unique<SimulationControl>(settings_.controlFile, interface_);
 }
+
+SimulatedWirelessClient::~SimulatedWirelessClient() = default;
 
 QStringList SimulatedWirelessClient::interfaceNames() const { return {QString::fromLatin1(interfaceNameText)}; }
 

@@ -7,8 +7,12 @@
 #include <cstdint>
 #include <memory>
 
+
 // The backend of the simulated radio environment: one interface, "sim0", in a seeded world.
 namespace platform::sim {
+
+class SimulatedWirelessInterface;
+class SimulationControl;
 
 // Why the simulation runs decides what the user is told about it.
 enum class SimulationReason { NoInterfaceFound, ChosenOnCommandLine };
@@ -16,6 +20,9 @@ enum class SimulationReason { NoInterfaceFound, ChosenOnCommandLine };
 struct SimulationSettings {
     int accessPointCount = defaultAccessPointCount;
     std::uint64_t seed = defaultSimulationSeed;
+    // Non-empty: a file through which the radio is switched off and into access-point mode
+    // while the program runs (see SimulationControl).
+    QString controlFile;
 };
 
 class SimulatedWirelessClient : public WirelessClient {
@@ -25,6 +32,7 @@ public:
     // A null clock means the system clock.
     explicit SimulatedWirelessClient(SimulationReason reason, SimulationSettings settings = {},
                                      std::shared_ptr<const Clock> clock = nullptr);
+    ~SimulatedWirelessClient() override;
 
     QStringList interfaceNames() const override;
     std::shared_ptr<WirelessInterface> interfaceWithName(const QString& name) override;
@@ -35,7 +43,8 @@ public:
 private:
     SimulationReason reason_;
     SimulationSettings settings_;
-    std::shared_ptr<WirelessInterface> interface_;
+    std::shared_ptr<SimulatedWirelessInterface> interface_;
+    std::unique_ptr<SimulationControl> control_;
 };
 
 } // namespace platform::sim

@@ -66,7 +66,17 @@ int SimulatedWirelessInterface::modeLocked() const
 {
     if (!powerOn_)
         return InterfaceModeNone;
+    if (hostingAccessPoint_)
+        return InterfaceModeHostAP;
     return ibss_ ? InterfaceModeIBSS : InterfaceModeStation;
+}
+
+bool SimulatedWirelessInterface::leaveSpecialModesLocked()
+{
+    const bool changed = ibss_.has_value() || hostingAccessPoint_;
+    ibss_.reset();
+    hostingAccessPoint_ = false;
+    return changed;
 }
 
 InterfaceSnapshot SimulatedWirelessInterface::snapshot() const
@@ -172,27 +182,24 @@ MaybeError SimulatedWirelessInterface::setPower(bool on)
     Lock lock(mutex_);
     if (powerOn_ == on)
         return std::nullopt;
-    const bool wasIbss = ibss_.has_value();
     powerOn_ = on;
-    ibss_.reset();
+    const bool modeChanged = leaveSpecialModesLocked();
     if (on) {
         station_ = autoJoin_;
     } else {
         station_.reset();
         cached_.clear();
     }
-    announce(lock, true, wasIbss);
+    announce(lock, true, modeChanged);
     return std::nullopt;
 }
 
 void SimulatedWirelessInterface::disassociate()
 {
     Lock lock(mutex_);
-    const bool wasIbss = ibss_.has_value();
     station_.reset();
     autoJoin_.reset();
-    ibss_.reset();
-    announce(lock, false, wasIbss);
+    announce(lock, false, leaveSpecialModesLocked());
 }
 
 MaybeError SimulatedWirelessInterface::associateToNetwork(const ScanResult& network, const QString& password)
@@ -249,8 +256,7 @@ MaybeError SimulatedWirelessInterface::join(const ScanResult& network, const std
         }
     }
 
-    const bool wasIbss = ibss_.has_value();
-    ibss_.reset();
+    const bool modeChanged = leaveSpecialModesLocked();
     station_ = index;
     autoJoin_ = index;
     remember(ap.ssid, environment_->securityCode(*index));
@@ -262,7 +268,7 @@ MaybeError SimulatedWirelessInterface::join(const ScanResult& network, const std
     } else if (ap.security != SecurityKind::Open) {
         passwords_.insert(ap.ssid, password);
     }
-    announce(lock, false, wasIbss);
+    announce(lock, false, modeChanged);
     return std::nullopt;
 }
 
@@ -286,11 +292,29 @@ MaybeError SimulatedWirelessInterface::startIBSSModeWithSSID(const QByteArray& s
                                QStringLiteral("Ad-hoc networks use the 2.4 GHz channels 1 to 13."));
     }
     const bool modeChanges = !ibss_.has_value();
+    hostingAccessPoint_ = false;
     station_.reset();
     ibss_ = IbssCell{ssid, ibssBssid(ssid), channel, security};
     remember(ssid, security);
     passwords_.insert(ssid, password);
     announce(lock, false, modeChanges);
+    return std::nullopt;
+}
+
+MaybeError SimulatedWirelessInterface::setHostingAccessPoint(bool on)
+{
+    Lock lock(mutex_);
+    if (!powerOn_)
+        return poweredOffError();
+    if (hostingAccessPoint_ == on)
+        return std::nullopt;
+    ibss_.reset();
+    hostingAccessPoint_ = on;
+    if (on)
+        station_.reset();
+    else
+        station_ = autoJoin_;
+    announce(lock, false, true);
     return std::nullopt;
 }
 

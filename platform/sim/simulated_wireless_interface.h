@@ -58,6 +58,11 @@ public:
     std::optional<EapCredentials> copyEAPUsernameAndPassword(const QByteArray& ssid) const override;
     std::optional<QString> copyEAPIdentity(const QByteArray& ssid) const override;
 
+    // Starts or stops sharing the connection as an access point, as the system's internet
+    // sharing would, so the program's reaction to that mode can be seen without hardware.
+    // Refused while the radio is off; stopping rejoins the network last joined.
+    MaybeError setHostingAccessPoint(bool on);
+
 private:
     struct IbssCell {
         QByteArray ssid;
@@ -80,6 +85,8 @@ private:
     void announce(Lock& lock, bool powerChanged, bool modeChanged);
     int modeLocked() const;
     void fillLink(InterfaceSnapshot& s, const QDateTime& now) const;
+    // Leaves ad-hoc and access-point mode; true when the interface was in either.
+    bool leaveSpecialModesLocked();
 
     const QString name_;
     const std::shared_ptr<const Clock> clock_;
@@ -90,6 +97,7 @@ private:
     // The network rejoined when the radio comes back on, as a known network would be.
     std::optional<std::size_t> autoJoin_;
     std::optional<IbssCell> ibss_;
+    bool hostingAccessPoint_ = false;
     QList<ScanResult> cached_;
     QList<NetworkProfile> profiles_;
     QHash<QByteArray, QString> passwords_;

@@ -1,4 +1,5 @@
 #include "app/desktop/desktop_application.h"
+#include "app/desktop/interface_state_reactions.h"
 #include "app/desktop/scan_main_window.h"
 #include "app/desktop/wifi_turned_off_window.h"
 #include "app/settings/settings_store.h"
@@ -6,7 +7,9 @@
 
 #include <QLabel>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QProcess>
+#include <QSaveFile>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -100,6 +103,74 @@ TEST_F(DesktopWindow, RadioSwitchedOffShowsTheSheetThatTurnsItBackOn)
     sheet->findChild<QPushButton*>(QStringLiteral("turnWiFiOnButton"))->click();
     EXPECT_TRUE(desktop->currentInterface()->snapshot().powerOn);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !sheet->isVisible(); }));
+    desktop->terminate();
+}
+
+// Driven from outside through the simulator's control file, as a person would.
+class DesktopOnControlledRadio : public DesktopWindow {
+protected:
+    DesktopOnControlledRadio() { qputenv("SKYVANE_SIM_CONTROL", control().toLocal8Bit()); }
+    ~DesktopOnControlledRadio() override { qunsetenv("SKYVANE_SIM_CONTROL"); }
+
+    QString control() const { return folder.filePath(QStringLiteral("radio")); }
+    // Waits until the simulated radio has taken the state, so the reactions have run.
+    void command(const QByteArray& line, const std::function<bool(const platform::InterfaceSnapshot&)>& reached)
+    {
+        QSaveFile file(control());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(line + '\n');
+        ASSERT_TRUE(file.commit());
+        ASSERT_TRUE(QTest::qWaitFor([&] { return reached(desktop->currentInterface()->snapshot()); }))
+            << line.constData();
+    }
+    void mode(const QByteArray& name, int interfaceMode)
+    {
+        command("mode " + name, [=](const platform::InterfaceSnapshot& s) { return s.interfaceMode == interfaceMode; });
+    }
+    QList<QMessageBox*> modeAlerts() const
+    {
+        QList<QMessageBox*> shown;
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (widget->objectName() == QLatin1String("modeChangeAlert") && widget->isVisible())
+                shown << qobject_cast<QMessageBox*>(widget);
+        return shown;
+    }
+
+    std::unique_ptr<DesktopApplication> desktop;
+};
+
+TEST_F(DesktopOnControlledRadio, RadioOffShowsTheSheetAndAccessPointModeAlertsOncePerDismissal)
+{
+    setSummary(false);
+    desktop = make(simulated());
+    ASSERT_TRUE(desktop->launch());
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(desktop->mainWindow()));
+
+    command("power off", [](const platform::InterfaceSnapshot& s) { return !s.powerOn; });
+    app::desktop::WiFiTurnedOffWindow* sheet = desktop->wifiTurnedOffWindow();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return sheet->isVisible(); }));
+    sheet->findChild<QPushButton*>(QStringLiteral("turnWiFiOnButton"))->click();
+    EXPECT_TRUE(desktop->currentInterface()->snapshot().powerOn);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !sheet->isVisible(); }));
+    EXPECT_TRUE(modeAlerts().isEmpty());
+
+    mode("hostap", platform::InterfaceModeHostAP);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return modeAlerts().size() == 1; }));
+    QMessageBox* alert = modeAlerts().value(0);
+    EXPECT_EQ(alert->text(), "WiFi Scannig is not allowed when internet sharing is enabled.");
+
+    // Leaving and re-entering the mode while the alert is up does not stack a second one.
+    mode("station", platform::InterfaceModeStation);
+    mode("hostap", platform::InterfaceModeHostAP);
+    QTest::qWait(100);
+    EXPECT_EQ(modeAlerts(), QList<QMessageBox*>{alert});
+
+    alert->button(QMessageBox::Ok)->click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return modeAlerts().isEmpty(); }));
+    mode("station", platform::InterfaceModeStation);
+    EXPECT_TRUE(modeAlerts().isEmpty());
+    mode("hostap", platform::InterfaceModeHostAP);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return modeAlerts().size() == 1; }));
     desktop->terminate();
 }
 

@@ -149,6 +149,42 @@ TEST_F(SimulatedInterface, PowerOffStopsScansAndPowerOnRejoins)
     EXPECT_EQ(modeChanges_, 0);
 }
 
+TEST_F(SimulatedInterface, HostingAnAccessPointIsAModeThatPowerAndJoiningLeave)
+{
+    auto* sim = static_cast<SimulatedWirelessInterface*>(wifi_.get());
+    EXPECT_FALSE(sim->setHostingAccessPoint(true));
+    EXPECT_FALSE(sim->setHostingAccessPoint(true));
+    EXPECT_EQ(modeChanges_, 1);
+    const InterfaceSnapshot hosting = wifi_->snapshot();
+    EXPECT_EQ(hosting.interfaceMode, InterfaceModeHostAP);
+    EXPECT_EQ(hosting.opMode(), OpModeHostAP);
+    EXPECT_TRUE(hosting.bssid.isEmpty());
+
+    EXPECT_FALSE(sim->setHostingAccessPoint(false));
+    EXPECT_EQ(modeChanges_, 2);
+    EXPECT_EQ(wifi_->snapshot().interfaceMode, InterfaceModeStation);
+    EXPECT_EQ(wifi_->snapshot().ssid, QStringLiteral("Skyvane Home"));
+
+    // Switching the radio off ends the sharing, and says so as a mode change too.
+    EXPECT_FALSE(sim->setHostingAccessPoint(true));
+    EXPECT_FALSE(wifi_->setPower(false));
+    EXPECT_EQ(std::tuple(powerChanges_, modeChanges_), std::tuple(1, 4));
+    ASSERT_TRUE(sim->setHostingAccessPoint(true));
+    EXPECT_EQ(sim->setHostingAccessPoint(true)->code, SimulationErrorPoweredOff);
+    EXPECT_FALSE(wifi_->setPower(true));
+    EXPECT_EQ(wifi_->snapshot().interfaceMode, InterfaceModeStation);
+    EXPECT_EQ(modeChanges_, 4);
+
+    // Joining a network or starting a cell leaves access-point mode.
+    EXPECT_FALSE(sim->setHostingAccessPoint(true));
+    EXPECT_FALSE(wifi_->associateToNetwork(network("Skyvane Home"), QStringLiteral("skyvane-Skyvane Home")));
+    EXPECT_EQ(wifi_->snapshot().interfaceMode, InterfaceModeStation);
+    EXPECT_FALSE(sim->setHostingAccessPoint(true));
+    EXPECT_FALSE(wifi_->startIBSSModeWithSSID("cell", SecurityWPA2Personal, 11, QStringLiteral("12345678")));
+    EXPECT_EQ(wifi_->snapshot().interfaceMode, InterfaceModeIBSS);
+    EXPECT_EQ(modeChanges_, 8);
+}
+
 TEST_F(SimulatedInterface, AdHocNetworksNeedNamePassphraseAndChannel)
 {
     const struct { QByteArray ssid; int channel; QString password; } invalid[] = {
@@ -186,7 +222,7 @@ TEST(SimulatedWirelessClient, TellsTheUserWhyAndHowTheToolSelectsIt)
     const SimulatedWirelessClient fallback(SimulationReason::NoInterfaceFound);
     EXPECT_EQ(fallback.statusText(), QStringLiteral("Simulated environment: no Wi-Fi interface found"));
     EXPECT_EQ(fallback.toolBackendArguments(), QStringList{QStringLiteral("--simulate=40")});
-    SimulatedWirelessClient chosen(SimulationReason::ChosenOnCommandLine, {500, 9});
+    SimulatedWirelessClient chosen(SimulationReason::ChosenOnCommandLine, {500, 9, {}});
     EXPECT_EQ(chosen.statusText(), QStringLiteral("Simulated environment (chosen with --simulate)"));
     EXPECT_EQ(chosen.toolBackendArguments(), (QStringList{"--simulate=500", "--seed=9"}));
     EXPECT_EQ(chosen.interfaceNames(), QStringList{QStringLiteral("sim0")});
