@@ -21,17 +21,17 @@ const QString stateKey = QStringLiteral("mainWindowState");
 
 ScanMainWindow::ScanMainWindow(scanning::view::ScannerTab* scannerTab, core::UserSettings& settings,
                                const QString& backendStatus, QWidget* parent)
-    : QMainWindow(parent), settings_(settings), backendLabel_(new QLabel(backendStatus, this))
+    : QMainWindow(parent), settings_(settings), tabs_(new QTabWidget(this)),
+      backendLabel_(new QLabel(backendStatus, this))
 {
     setObjectName(QStringLiteral("skvMainWindow"));
     setAccessibleName(tr("Skyvane"));
     setWindowTitle(QStringLiteral("Skyvane"));
 
-    auto* tabs = new QTabWidget(this);
-    tabs->setObjectName(QStringLiteral("tabView"));
-    tabs->setAccessibleName(tr("Tabs"));
-    tabs->addTab(scannerTab, tr("Scanner"));
-    setCentralWidget(tabs);
+    tabs_->setObjectName(QStringLiteral("tabView"));
+    tabs_->setAccessibleName(tr("Tabs"));
+    tabs_->addTab(scannerTab, tr("Scanner"));
+    setCentralWidget(tabs_);
 
     // The backend's sentence (a simulated radio, a replayed capture) stays in view: the user
     // must always be able to tell what they are looking at.
@@ -75,6 +75,11 @@ void ScanMainWindow::buildMenus(scanning::view::ScannerTab* scannerTab)
     scan->addAction(scannerTab->startPauseAction());
     scan->addAction(scannerTab->stopAction());
     scan->addAction(scannerTab->applyFilterAction());
+}
+
+void ScanMainWindow::addTab(QWidget* tab, const QString& title)
+{
+    tabs_->addTab(tab, title);
 }
 
 void ScanMainWindow::openPreferences()

@@ -5,6 +5,7 @@
 #include <QMainWindow>
 
 class QLabel;
+class QTabWidget;
 
 namespace scanning::view {
 class ScannerTab;
@@ -25,6 +26,9 @@ public:
     // Geometry and the dock and toolbar state, kept in the user settings for the next launch.
     void saveWindowState();
     void restoreWindowState();
+
+    // Another tab beside the scanner; the tab's widget names itself for accessibility.
+    void addTab(QWidget* tab, const QString& title);
 
     // Null until File > Preferences… first opens it; then the same window each time.
     PreferencesWindow* preferencesWindow() const { return preferences_; }
@@ -47,6 +51,7 @@ private:
     void buildMenus(scanning::view::ScannerTab* scannerTab);
 
     core::UserSettings& settings_;
+    QTabWidget* tabs_;
     QLabel* backendLabel_;
     PreferencesWindow* preferences_ = nullptr;
 };
