@@ -9,6 +9,18 @@ bool isCheckbox(const scan::record_columns::RecordColumn* column)
     return column != nullptr && column->identifier == QLatin1String("checkbox");
 }
 
+// The images the results table shows beside a cell's text; open networks get the open lock.
+QString imageName(const QString& identifier, const scan::ScanedResultInfo& record)
+{
+    if (identifier == QLatin1String("rssi"))
+        return QStringLiteral("wifi-signal");
+    if (identifier == QLatin1String("security"))
+        return record.securityMode == 0 ? QStringLiteral("unlock") : QStringLiteral("lock");
+    if (identifier == QLatin1String("join"))
+        return QStringLiteral("join");
+    return {};
+}
+
 } // namespace
 
 ResultsTableItemModel::ResultsTableItemModel(ResultsTableModel& table, QObject* parent)
@@ -60,6 +72,17 @@ QVariant ResultsTableItemModel::data(const QModelIndex& index, int role) const
     case Qt::ToolTipRole: {
         const QString tip = table_.toolTip(column->identifier, index.row());
         return tip.isEmpty() ? QVariant() : QVariant(tip);
+    }
+    case Qt::AccessibleTextRole:
+        // A tick and a button have no text of their own; a screen reader still needs one.
+        if (isCheckbox(column))
+            return table_.isRowChecked(index.row()) ? tr("Plotted") : tr("Not plotted");
+        if (column->identifier == QLatin1String("join"))
+            return table_.toolTip(column->identifier, index.row());
+        return {};
+    case ImageRole: {
+        const QString name = imageName(column->identifier, *record);
+        return name.isEmpty() ? QVariant() : QVariant(name);
     }
     case IdentifierRole:
         return column->identifier;

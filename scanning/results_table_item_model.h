@@ -17,6 +17,7 @@ public:
     enum Role {
         IdentifierRole = Qt::UserRole,  // the column's identifier, on cells and headers
         SortValueRole,                  // the raw value the column sorts by
+        ImageRole,                      // the name of the cell's image ("wifi-signal", "lock", ...)
     };
 
     explicit ResultsTableItemModel(ResultsTableModel& table, QObject* parent = nullptr);

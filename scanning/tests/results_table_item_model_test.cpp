@@ -99,17 +99,35 @@ TEST_F(ResultsTableItemModelTest, CellsUseTheDisplayTransformersAndSortValuesSta
     EXPECT_FALSE(model_.data(model_.index(0, 0)).isValid());
 }
 
+// The images name what the cell means; only an open network gets the open lock.
+TEST_F(ResultsTableItemModelTest, SignalSecurityAndJoinCellsNameTheirImages)
+{
+    settings_.setValue(QStringLiteral("rssiColumnVisible"), true);
+    settings_.setValue(QStringLiteral("securityColumnVisible"), true);
+    settings_.setValue(QStringLiteral("joinColumnVisible"), true);
+    test_->scanedData1[0].securityMode = 4;
+    table_.updateTableColumnsView();
+    const int image = scanning::ResultsTableItemModel::ImageRole;
+    EXPECT_EQ(cell(0, "rssi", image), QStringLiteral("wifi-signal"));
+    EXPECT_EQ(cell(0, "security", image), QStringLiteral("lock"));
+    EXPECT_EQ(cell(1, "security", image), QStringLiteral("unlock"));
+    EXPECT_EQ(cell(1, "join", image), QStringLiteral("join"));
+    EXPECT_EQ(cell(1, "ssid", image), QString());
+}
+
 TEST_F(ResultsTableItemModelTest, CheckColumnTicksThePlotSelection)
 {
     table_.setSelectedBssids({QStringLiteral("A")});
     const QModelIndex alpha = model_.index(1, model_.columnOf(QStringLiteral("checkbox")));
     EXPECT_TRUE(model_.flags(alpha).testFlag(Qt::ItemIsUserCheckable));
     EXPECT_EQ(model_.data(alpha, Qt::CheckStateRole), QVariant(Qt::Unchecked));
+    EXPECT_EQ(model_.data(alpha, Qt::AccessibleTextRole).toString(), QStringLiteral("Not plotted"));
     QSignalSpy changed(&model_, &QAbstractItemModel::dataChanged);
     EXPECT_TRUE(model_.setData(alpha, Qt::Checked, Qt::CheckStateRole));
     EXPECT_EQ(changed.size(), 1);
     EXPECT_EQ(table_.selectedBssids(), (QStringList{"A", "B"}));
     EXPECT_EQ(model_.data(alpha, Qt::CheckStateRole), QVariant(Qt::Checked));
+    EXPECT_EQ(model_.data(alpha, Qt::AccessibleTextRole).toString(), QStringLiteral("Plotted"));
     EXPECT_FALSE(model_.setData(model_.index(1, model_.columnOf(QStringLiteral("ssid"))), Qt::Checked, Qt::CheckStateRole));
 }
 

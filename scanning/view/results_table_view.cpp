@@ -3,6 +3,8 @@
 #include "scanning/results_table_item_model.h"
 #include "scanning/results_table_model.h"
 #include "scanning/view/bssid_tag_dialog.h"
+#include "scanning/view/checkbox_header_view.h"
+#include "scanning/view/results_cell_delegate.h"
 
 #include "core/user_settings.h"
 
@@ -12,49 +14,24 @@
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QMenu>
-#include <QStyledItemDelegate>
 
 #include <algorithm>
 
 namespace scanning::view {
-
-namespace {
-
-// The connected network's row is set in bold so it stands out from the rows around it.
-class ConnectedRowDelegate : public QStyledItemDelegate {
-public:
-    ConnectedRowDelegate(scanning::ResultsTableModel& results, QObject* parent)
-        : QStyledItemDelegate(parent), results_(results)
-    {
-    }
-
-protected:
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
-    {
-        QStyledItemDelegate::initStyleOption(option, index);
-        const scan::ScanedResultInfo* record = results_.recordAt(index.row());
-        const auto& test = results_.currentTest();
-        if (record != nullptr && test != nullptr && !test->activeBSSID.isEmpty() && record->bssid == test->activeBSSID)
-            option->font.setBold(true);
-    }
-
-private:
-    scanning::ResultsTableModel& results_;
-};
-
-} // namespace
 
 ResultsTableView::ResultsTableView(scanning::ResultsTableModel& results, core::UserSettings& settings, QWidget* parent)
     : QTableView(parent),
       results_(results),
       settings_(settings),
       items_(new scanning::ResultsTableItemModel(results, this)),
+      cells_(new ResultsCellDelegate(results, this)),
       copy_(new QAction(tr("Copy"), this))
 {
     setObjectName(QStringLiteral("scanResultsTableView"));
     setAccessibleName(tr("Scan results"));
+    setHorizontalHeader(new CheckboxHeaderView(this));
     setModel(items_);
-    setItemDelegate(new ConnectedRowDelegate(results_, this));
+    setItemDelegate(cells_);
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setSelectionMode(QAbstractItemView::ExtendedSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -84,6 +61,12 @@ ResultsTableView::ResultsTableView(scanning::ResultsTableModel& results, core::U
             &ResultsTableView::samplesWindowRequested);
     applyFontSize();
     showSortIndicator();
+}
+
+void ResultsTableView::setSwatchColour(ResultsCellDelegate::SwatchColour swatch)
+{
+    cells_->setSwatchColour(std::move(swatch));
+    viewport()->update();
 }
 
 void ResultsTableView::fitColumnsOnce()

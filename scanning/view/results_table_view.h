@@ -1,6 +1,7 @@
 #pragma once
 
 #include "scan/scaned_result_info.h"
+#include "scanning/view/results_cell_delegate.h"
 
 #include <QList>
 #include <QTableView>
@@ -30,6 +31,8 @@ public:
     QAction* copyAction() const { return copy_; }
     // The menu of column titles the header opens; built afresh each time it is asked for.
     QMenu* headerMenu();
+    // Paints each network's graph colour behind its plot tick.
+    void setSwatchColour(ResultsCellDelegate::SwatchColour swatch);
     // Reads the "fontSize" setting again, as it may change while the program runs.
     void applyFontSize();
 
@@ -50,6 +53,7 @@ private:
     scanning::ResultsTableModel& results_;
     core::UserSettings& settings_;
     scanning::ResultsTableItemModel* items_;
+    ResultsCellDelegate* cells_;
     QAction* copy_;
     QMenu* headerMenu_ = nullptr;
     bool followingModel_ = false;
