@@ -3,6 +3,7 @@
 #include "app/cli/cli_arguments.h"
 #include "app/desktop/general_preferences.h"
 #include "app/desktop/interface_state_reactions.h"
+#include "app/desktop/reachability_monitor.h"
 #include "app/desktop/review_window.h"
 #include "app/desktop/scan_main_window.h"
 #include "app/desktop/wifi_turned_off_window.h"
@@ -17,12 +18,16 @@
 #include "scanning/scan_database.h"
 #include "scanning/scan_test_driver.h"
 #include "scanning/timer_source.h"
+#include "scanning/view/results_table_view.h"
 #include "scanning/view/scanner_tab.h"
+#include "sensor/host_address.h"
 
+#include <QColor>
 #include <QCoreApplication>
 #include <QDir>
 #include <QMessageBox>
 #include <QThread>
+#include <QTimer>
 
 namespace app::desktop {
 struct DesktopApplication::Parts {
@@ -93,6 +98,10 @@ bool DesktopApplication::launch()
     // The scanner tab shows the driver's alerts and database failures itself.
 
     auto* tab = new scanning::view::ScannerTab(*driver_, *results_, parts_->settings);
+    tab->resultsView()->setSwatchColour([](const scan::ScanedResultInfo& record) {
+        const graphs::ColourCodePtr colour = graphs::ColorCodesManager::sharedColorManager().getColorCode(&record);
+        return colour ? QColor::fromRgbF(float(colour->red), float(colour->green), float(colour->blue)) : QColor();
+    });
     mainWindow_ = std::make_unique<ScanMainWindow>(tab, parts_->settings, parts_->backend.statusText);
     mainWindow_->restoreWindowState();
     connect(mainWindow_.get(), &ScanMainWindow::settingChanged, tab, [tab](const QString& key) {
@@ -117,6 +126,15 @@ bool DesktopApplication::launch()
             turnWiFiOnOffWindow_->done(1);
     });
     connect(reactions_, &InterfaceStateReactions::modeAlertRequested, this, &DesktopApplication::showModeAlert);
+
+    reachability_ = new ReachabilityMonitor([] { return sensor::hostAddress(); }, this);
+    connect(reachability_, &ReachabilityMonitor::becameReachable, this, [this] {
+        if (turnWiFiOnOffWindow_->isVisible())
+            turnWiFiOnOffWindow_->done(1);
+    });
+    // The system's own first answer comes in late at start-up; asking at once would only report
+    // the network as down.
+    QTimer::singleShot(5000, reachability_, &ReachabilityMonitor::start);
 
     mainWindow_->show();
 
@@ -165,6 +183,7 @@ void DesktopApplication::terminate()
     if (terminated_)
         return;
     terminated_ = true;
+    reachability_->stop();
     driver_->cancelButtonPressed();
     driver_->waitForBackgroundWork();
     mainWindow_->saveWindowState();

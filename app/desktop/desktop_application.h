@@ -31,6 +31,7 @@ class SettingsStore;
 namespace app::desktop {
 
 class InterfaceStateReactions;
+class ReachabilityMonitor;
 class ScanMainWindow;
 class WiFiTurnedOffWindow;
 
@@ -50,6 +51,7 @@ public:
     scanning::ScanTestDriver* driver() const { return driver_.get(); }
     scanning::ResultsTableModel* results() const { return results_.get(); }
     InterfaceStateReactions* interfaceReactions() const { return reactions_; }
+    ReachabilityMonitor* reachability() const { return reachability_; }
     WiFiTurnedOffWindow* wifiTurnedOffWindow() const { return turnWiFiOnOffWindow_; }
     ReviewWindow* reviewWindow() const { return reivewController_; }
     QString backendStatus() const;
@@ -77,6 +79,7 @@ private:
     std::unique_ptr<QuitSequence> quit_;
     std::unique_ptr<ScanMainWindow> mainWindow_;
     InterfaceStateReactions* reactions_ = nullptr;
+    ReachabilityMonitor* reachability_ = nullptr;
     WiFiTurnedOffWindow* turnWiFiOnOffWindow_ = nullptr;
     QPointer<ReviewWindow> reivewController_;
     std::unique_ptr<QThread> launchAnnouncer_;

@@ -1,6 +1,7 @@
 #include "app/desktop/desktop_arguments.h"
 #include "app/desktop/interface_state_reactions.h"
 #include "app/desktop/quit_sequence.h"
+#include "app/desktop/reachability_monitor.h"
 #include "app/desktop/review_summary.h"
 #include "testsupport/stub_wireless_interface.h"
 
@@ -151,6 +152,28 @@ public:
     void setValue(const QString& key, const QVariant& value) override { values.insert(key, value); }
     QVariantMap values;
 };
+
+// Down clears the listener's address; any other answer shows it; only "online" ends the
+// Wi-Fi-off sheet and refreshes the interface tab.
+TEST(ReachabilityMonitor, AddressFollowsTheNetworkAndOnlineIsAnnounced)
+{
+    QString address = QStringLiteral("192.168.1.20");
+    app::desktop::ReachabilityMonitor monitor([&address] { return address; });
+    QSignalSpy addresses(&monitor, &app::desktop::ReachabilityMonitor::serverAddressChanged);
+    QSignalSpy online(&monitor, &app::desktop::ReachabilityMonitor::becameReachable);
+    using Status = app::desktop::ReachabilityMonitor::Status;
+
+    monitor.statusChanged(Status::Unknown);
+    monitor.statusChanged(Status::NotReachable);
+    address = QStringLiteral("10.0.0.7");
+    monitor.statusChanged(Status::Reachable);
+    monitor.statusChanged(Status::Reachable);
+    ASSERT_EQ(addresses.size(), 3);
+    EXPECT_EQ(addresses.at(0).at(0).toString(), QStringLiteral("192.168.1.20"));
+    EXPECT_EQ(addresses.at(1).at(0).toString(), QString());
+    EXPECT_EQ(monitor.serverAddress(), QStringLiteral("10.0.0.7"));
+    EXPECT_EQ(online.size(), 2);
+}
 
 TEST(QuitSequence, SummaryFirstThenTheSecondCloseQuits)
 {
