@@ -17,6 +17,7 @@ namespace {
 void printUsage(std::FILE* stream)
 {
     std::fputs("usage: skyvane-cli [--verbose] COMMAND ...   (--verbose: show the log texts)\n"
+               "       skyvane-cli --help | --version\n"
                "       skyvane-cli decode FILE\n"
                "       skyvane-cli [BACKEND] -s | -s -x | -I | watch [--interval SECONDS] [--count N]\n"
                "       skyvane-cli [BACKEND] scan [OPTIONS]\n\n"
@@ -43,6 +44,10 @@ int main(int argc, char* argv[])
         QLoggingCategory::setFilterRules(QStringLiteral("skyvane.*=true"));
     if (arguments.size() == 1 && (arguments[0] == u"-h" || arguments[0] == u"--help")) {
         printUsage(stdout);
+        return 0;
+    }
+    if (arguments.size() == 1 && arguments[0] == u"--version") {
+        std::printf("skyvane-cli %s\n", SKYVANE_VERSION);
         return 0;
     }
     const QString command = app::cli::commandWord(arguments);
