@@ -76,6 +76,8 @@ ScanProcessor::Result ScanProcessor::process(WiFiScanTest& test, const QList<pla
     if (!database_.storeScan(rows, merge))
         return Result::DatabaseFailed;
     database_.updateNetworkCountsForSummaryWindow(settings_);
+    // Without it the summary window would put every network on 5 GHz.
+    database_.update24MhzNetworkCountsForSummaryWindow(settings_);
     totalRecords_ = settings_.value(QStringLiteral("TOTAL_NETWORKS")).toInt();
 
     const auto stored = database_.readForDisplay(filter_.condition, activeBSSID, merge);

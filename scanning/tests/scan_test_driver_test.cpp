@@ -316,6 +316,9 @@ TEST_F(ScanTestDriverTest, CountLabelWithAndWithoutMerging)
         tick();
         EXPECT_EQ(driver.countLabel(), label);
     }
+    // The summary window at quit reads both counts; the band split must follow each scan.
+    EXPECT_EQ(settings.value(QStringLiteral("TOTAL_NETWORKS")).toInt(), 3);
+    EXPECT_EQ(settings.value(QStringLiteral("TOTAL_24MHZ_NETWORKS")).toInt(), 1);
 }
 
 TEST(ChannelInfoParser, ReadsChannelAndSecurityFieldsOfTheToolListing)
