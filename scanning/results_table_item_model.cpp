@@ -115,6 +115,8 @@ QVariant ResultsTableItemModel::headerData(int section, Qt::Orientation orientat
         return column->title;
     case Qt::CheckStateRole:
         return isCheckbox(column) ? QVariant(table_.shouldPlotAll() ? Qt::Checked : Qt::Unchecked) : QVariant();
+    case Qt::AccessibleTextRole:
+        return isCheckbox(column) ? QVariant(tr("Plot all networks")) : QVariant();
     case IdentifierRole:
         return column->identifier;
     default:
