@@ -13,7 +13,8 @@ namespace scanning {
 class BackgroundWork : public QObject {
     Q_OBJECT
 public:
-    explicit BackgroundWork(QObject* parent = nullptr) : QObject(parent) {}
+    // One task at a time, in the order started: a task never races an earlier one of its owner.
+    explicit BackgroundWork(QObject* parent = nullptr) : QObject(parent) { pool_.setMaxThreadCount(1); }
     ~BackgroundWork() override;
 
     void start(std::function<void()> task);

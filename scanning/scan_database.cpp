@@ -166,10 +166,15 @@ bool ScanDatabase::isOpen() const { return impl_->db != nullptr; }
 
 QString ScanDatabase::openError() const { return impl_->openError; }
 
-QString ScanDatabase::lastError() const { return impl_->lastError; }
+QString ScanDatabase::lastError() const
+{
+    const std::lock_guard guard(impl_->mutex);
+    return impl_->lastError;
+}
 
 void ScanDatabase::close()
 {
+    const std::lock_guard guard(impl_->mutex);
     sqlite3_close(impl_->db);
     impl_->db = nullptr;
     impl_->lock.reset();
@@ -179,6 +184,7 @@ sqlite3* ScanDatabase::handle() const { return impl_->db; }
 
 void ScanDatabase::updateDatabase()
 {
+    const std::lock_guard guard(impl_->mutex);
     scandb::Statement alter(impl_->db, QStringLiteral("alter table wifi_scan_data add COLUMN normalized_ssid"));
     if (alter.isPrepared()) {
         alter.step();
@@ -189,6 +195,7 @@ void ScanDatabase::updateDatabase()
 
 void ScanDatabase::reindex()
 {
+    const std::lock_guard guard(impl_->mutex);
     scandb::runOnce(impl_->db, QStringLiteral("REINDEX"));
     // sqlite3_prepare_v2 compiles only the first statement of a text; walking the tail runs all
     // three, so the connection is not left inside the transaction the text opens.
@@ -207,6 +214,7 @@ void ScanDatabase::reindex()
 
 bool ScanDatabase::deleteAll()
 {
+    const std::lock_guard guard(impl_->mutex);
     if (!impl_->db) {
         impl_->lastError = impl_->openError;
         return false;
@@ -228,6 +236,7 @@ bool ScanDatabase::deleteAll()
 std::optional<QList<scan::StoredObservation>> ScanDatabase::readForDisplay(const SqlCondition& filter,
                                                                      const QString& activeBssid, bool merge)
 {
+    const std::lock_guard guard(impl_->mutex);
     const bool filtered = !filter.isEmpty();
     QString text;
     if (merge && filtered)
@@ -263,6 +272,7 @@ std::optional<QList<scan::StoredObservation>> ScanDatabase::readForDisplay(const
 
 std::optional<int> ScanDatabase::matchCount(const SqlCondition& filter, const QString& activeBssid)
 {
+    const std::lock_guard guard(impl_->mutex);
     if (filter.isEmpty())
         return lastCountStepped(impl_->db, QStringLiteral("select count(*) from wifi_scan_data order by rssi asc"),
                                 "Error while fetching count of scan results '%1'");
@@ -275,6 +285,7 @@ std::optional<int> ScanDatabase::matchCount(const SqlCondition& filter, const QS
 
 void ScanDatabase::updateNetworkCountsForSummaryWindow(core::UserSettings& settings)
 {
+    const std::lock_guard guard(impl_->mutex);
     const auto count = lastCountStepped(impl_->db, QStringLiteral("select count(*) from wifi_scan_data"),
                                         "Error while fetching count of scan results '%1'");
     if (count)
@@ -283,6 +294,7 @@ void ScanDatabase::updateNetworkCountsForSummaryWindow(core::UserSettings& setti
 
 void ScanDatabase::update24MhzNetworkCountsForSummaryWindow(core::UserSettings& settings)
 {
+    const std::lock_guard guard(impl_->mutex);
     const auto count = lastCountStepped(impl_->db, QStringLiteral("select count(*) from wifi_scan_data where originalChannel <= %1").arg(core::highest24GhzChannel),
                                         "Error while fetching count 24mhz networks from scan results '%1'");
     if (count)

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <memory>
+#include <mutex>
 
 struct sqlite3;
 
@@ -27,6 +28,9 @@ struct ScanDatabase::Impl {
     // Whether this SQLite build reads a double-quoted word that names no column as a string.
     // The delete by name relies on it; without it that delete fails in every form.
     bool doubleQuotedTextIsLiteral = false;
+    // Scans are stored on their own thread while the window may empty the table for a new test:
+    // each operation runs whole, never interleaved with another's statements or transaction.
+    std::recursive_mutex mutex;
 };
 
 } // namespace scanning

@@ -177,6 +177,7 @@ QString storeRows(sqlite3* db, const QList<ObservationRow>& rows, bool merge, bo
 
 bool ScanDatabase::storeScan(const QList<ObservationRow>& rows, bool merge)
 {
+    const std::lock_guard guard(impl_->mutex);
     sqlite3* db = impl_->db;
     // One transaction per scan: one journal sync instead of two per network, and a kill in the
     // middle of a scan leaves the previous scan's rows rather than half of this one.

@@ -132,12 +132,10 @@ void ScanLoop::performScanningInBackground()
         }
 
         consecutiveScanFailures_ = 0;
-        work_.runOnOwnerThread([this, networks] {
-            if (handler_)
-                handler_(networks);
-            else
-                finishScan();
-        }, true);
+        if (handler_)
+            handler_(networks);
+        else
+            work_.runOnOwnerThread([this] { finishScan(); }, true);
         if (work_.isShuttingDown())
             scanInProgress_ = false;
     } catch (const std::exception& error) {

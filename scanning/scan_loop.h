@@ -22,7 +22,8 @@ namespace scanning {
 class ScanLoop : public QObject {
     Q_OBJECT
 public:
-    // Runs on the owner thread with each scan's networks and ends that scan with finishScan().
+    // Runs on the scan's background thread with its networks; it reaches the owner thread through
+    // runOnOwnerThread() and ends the scan there with finishScan().
     using ScanHandler = std::function<void(const QList<platform::ScanResult>&)>;
 
     ScanLoop(std::shared_ptr<platform::WirelessInterface> interface, TimerSource& timers, QObject* parent = nullptr);
@@ -47,6 +48,8 @@ public:
     void startRefreshAnimation();
     void stopRefreshAnimation();
     void waitForBackgroundWork() { work_.waitForDone(); }
+    // Dropped once the loop is being destroyed.
+    void runOnOwnerThread(std::function<void()> f, bool wait) { work_.runOnOwnerThread(std::move(f), wait); }
 
 signals:
     void spinnerChanged(bool visible);

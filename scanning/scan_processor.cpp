@@ -29,6 +29,14 @@ QString callStack()
     return lines.join(QLatin1Char('\n'));
 }
 
+// An update that threw is logged with where it came from, and the loop goes on.
+void logFailure(const std::exception& error)
+{
+    qCInfo(lcScanning).noquote() << QStringLiteral("Unable perform scan. %1").arg(QString::fromUtf8(error.what()));
+    qCInfo(lcScanning).noquote()
+        << QStringLiteral("Uncaught exception %1").arg(QStringLiteral("OS: Backtrace:\n%1").arg(callStack()));
+}
+
 } // namespace
 
 ScanProcessor::ScanProcessor(std::shared_ptr<platform::WirelessInterface> interface, ScanDatabase& database,
@@ -39,82 +47,135 @@ ScanProcessor::ScanProcessor(std::shared_ptr<platform::WirelessInterface> interf
 {
 }
 
-ScanProcessor::Result ScanProcessor::updateViewOfScanData(WiFiScanTest& test,
-                                                          const QList<platform::ScanResult>& networks,
-                                                          int refreshIntervalSeconds)
+std::optional<ScanProcessor::Context> ScanProcessor::captureContext(std::shared_ptr<WiFiScanTest> test,
+                                                                   const QList<platform::ScanResult>& networks,
+                                                                   int refreshIntervalSeconds)
 {
     try {
-        return process(test, networks, refreshIntervalSeconds);
+        return capture(std::move(test), networks, refreshIntervalSeconds);
     } catch (const std::exception& error) {
-        qCInfo(lcScanning).noquote() << QStringLiteral("Unable perform scan. %1").arg(QString::fromUtf8(error.what()));
-        qCInfo(lcScanning).noquote()
-            << QStringLiteral("Uncaught exception %1").arg(QStringLiteral("OS: Backtrace:\n%1").arg(callStack()));
-        return Result::Failed;
+        logFailure(error);
+        return std::nullopt;
     }
 }
 
-ScanProcessor::Result ScanProcessor::process(WiFiScanTest& test, const QList<platform::ScanResult>& networks,
-                                             int refreshIntervalSeconds)
+ScanProcessor::Context ScanProcessor::capture(std::shared_ptr<WiFiScanTest> test, const QList<platform::ScanResult>& networks,
+                                              int refreshIntervalSeconds)
 {
-    const bool merge = core::settingIsOn(settings_.value(QStringLiteral("mergeScanResults")));
-    const platform::InterfaceSnapshot link = interface_->snapshot();
-    const QString activeBSSID = link.bssid.isEmpty() ? QString() : scan::ScannerUtils::normalizeMAC(link.bssid);
-    test.activeBSSID = activeBSSID;
-    const QDateTime now = clock_.now();
-    const double secondsSince1970 = static_cast<double>(now.toMSecsSinceEpoch()) / 1000.0;
+    Context context;
+    context.test = std::move(test);
+    context.refreshIntervalSeconds = refreshIntervalSeconds;
+    context.merge = core::settingIsOn(settings_.value(QStringLiteral("mergeScanResults")));
+    context.filter = filter_.condition;
+    context.link = interface_->snapshot();
+    context.activeBSSID = context.link.bssid.isEmpty() ? QString() : scan::ScannerUtils::normalizeMAC(context.link.bssid);
+    context.now = clock_.now();
+    for (const platform::ScanResult& network : networks) {
+        const QString bssid = scan::ScannerUtils::normalizeMAC(network.bssid);
+        context.channelTexts.insert(bssid, channelInfo_.channelTextFor(bssid, network.channelNumber));
+    }
+    context.securityTexts = channelInfo_.bssidSecurityTypeMapping();
+    context.knownNetworks = bssidToCWNetworkMapping_;
+    return context;
+}
 
-    bool scanReportedActive = false;
+ScanProcessor::Prepared ScanProcessor::prepare(const Context& context, const QList<platform::ScanResult>& networks) const
+{
+    try {
+        return store(context, networks);
+    } catch (const std::exception& error) {
+        logFailure(error);
+        return {};
+    }
+}
+
+ScanProcessor::Prepared ScanProcessor::store(const Context& context, const QList<platform::ScanResult>& networks) const
+{
+    Prepared prepared;
+    const double secondsSince1970 = static_cast<double>(context.now.toMSecsSinceEpoch()) / 1000.0;
     QList<ObservationRow> rows;
     rows.reserve(networks.size());
     for (const platform::ScanResult& network : networks) {
         const QString bssid = scan::ScannerUtils::normalizeMAC(network.bssid);
-        bssidToCWNetworkMapping_.insert(bssid, std::make_shared<const platform::ScanResult>(network));
-        scanReportedActive = scanReportedActive || (!activeBSSID.isEmpty() && bssid == activeBSSID);
-        rows.append(ObservationRow::fromScanResult(network, channelInfo_.channelTextFor(bssid, network.channelNumber),
-                                                   secondsSince1970, interface_->generation()));
+        prepared.networks.insert(bssid, std::make_shared<const platform::ScanResult>(network));
+        prepared.scanReportedActive =
+            prepared.scanReportedActive || (!context.activeBSSID.isEmpty() && bssid == context.activeBSSID);
+        rows.append(ObservationRow::fromScanResult(network, context.channelTexts.value(bssid), secondsSince1970,
+                                                   interface_->generation()));
     }
-    if (!database_.storeScan(rows, merge))
-        return Result::DatabaseFailed;
+    if (!database_.storeScan(rows, context.merge)) {
+        prepared.result = Result::DatabaseFailed;
+        return prepared;
+    }
     database_.updateNetworkCountsForSummaryWindow(settings_);
     // Without it the summary window would put every network on 5 GHz.
     database_.update24MhzNetworkCountsForSummaryWindow(settings_);
-    totalRecords_ = settings_.value(QStringLiteral("TOTAL_NETWORKS")).toInt();
+    prepared.totalRecords = settings_.value(QStringLiteral("TOTAL_NETWORKS")).toInt();
 
-    const auto stored = database_.readForDisplay(filter_.condition, activeBSSID, merge);
-    const std::optional<int> matchCount = merge ? database_.matchCount(filter_.condition, activeBSSID) : std::nullopt;
+    const auto stored = database_.readForDisplay(context.filter, context.activeBSSID, context.merge);
+    if (context.merge)
+        prepared.matchCount = database_.matchCount(context.filter, context.activeBSSID);
+    if (stored)
+        prepared.records = recordsFromRows(*stored, context, prepared);
+    prepared.result = Result::Processed;
+    return prepared;
+}
+
+ScanProcessor::Result ScanProcessor::apply(const Context& context, Prepared prepared)
+{
+    if (prepared.result != Result::Processed)
+        return prepared.result;
+    try {
+        applyProcessed(context, prepared);
+        return Result::Processed;
+    } catch (const std::exception& error) {
+        logFailure(error);
+        return Result::Failed;
+    }
+}
+
+void ScanProcessor::applyProcessed(const Context& context, const Prepared& prepared)
+{
+    WiFiScanTest& test = *context.test;
+    test.activeBSSID = context.activeBSSID;
+    for (auto it = prepared.networks.cbegin(); it != prepared.networks.cend(); ++it)
+        bssidToCWNetworkMapping_.insert(it.key(), it.value());
+    totalRecords_ = prepared.totalRecords;
     // A read that failed leaves the previous rows standing rather than emptying the table.
-    if (stored) {
-        const QList<scan::ScanedResultInfo> records = recordsFromRows(*stored);
-        for (const scan::ScanedResultInfo& record : records)
-            test.addSample(record, refreshIntervalSeconds, now);
+    if (prepared.records) {
+        const QList<scan::ScanedResultInfo>& records = *prepared.records;
+        for (const scan::ScanedResultInfo& record : records) {
+            rememberAccessPointName(record);
+            filter_.addSSID(record.ssid);
+            filter_.addChannel(QString::number(record.originalChannel));
+            test.addSample(record, context.refreshIntervalSeconds, context.now);
+        }
         test.scanedData1 = records;
 
+        const QString& activeBSSID = context.activeBSSID;
         const bool activeShown = std::any_of(records.cbegin(), records.cend(), [&](const scan::ScanedResultInfo& record) {
             return record.bssid == activeBSSID;
         });
         if (!activeBSSID.isEmpty() && !activeShown) {
-            const scan::ScanedResultInfo connected = connectedNetworkRecord(link, test, now);
+            const scan::ScanedResultInfo connected = connectedNetworkRecord(context.link, test, context.now);
             test.scanedData1.append(connected);
-            test.addSample(connected, refreshIntervalSeconds, now);
-            if (!scanReportedActive)
+            test.addSample(connected, context.refreshIntervalSeconds, context.now);
+            if (!prepared.scanReportedActive)
                 ++totalRecords_;
         }
     }
-    updateCountLabel(static_cast<int>(test.scanedData1.size()), merge, matchCount);
-    return Result::Processed;
+    updateCountLabel(static_cast<int>(test.scanedData1.size()), context.merge, prepared.matchCount);
 }
 
-QList<scan::ScanedResultInfo> ScanProcessor::recordsFromRows(const QList<scan::StoredObservation>& rows)
+QList<scan::ScanedResultInfo> ScanProcessor::recordsFromRows(const QList<scan::StoredObservation>& rows,
+                                                             const Context& context, const Prepared& prepared) const
 {
     QList<scan::ScanedResultInfo> records;
     records.reserve(rows.size());
     for (const scan::StoredObservation& row : rows) {
-        scan::ScanedResultInfo record = scan::buildRecord(row, bssidToCWNetworkMapping_.value(row.bssid), interface_->generation(),
-                                              settings_, &channelInfo_.bssidSecurityTypeMapping());
-        rememberAccessPointName(record);
-        filter_.addSSID(record.ssid);
-        filter_.addChannel(QString::number(record.originalChannel));
-        records.append(std::move(record));
+        std::shared_ptr<const platform::ScanResult> network =
+            prepared.networks.value(row.bssid, context.knownNetworks.value(row.bssid));
+        records.append(scan::buildRecord(row, network, interface_->generation(), settings_, &context.securityTexts));
     }
     return records;
 }

@@ -122,12 +122,28 @@ void ScanTestDriver::applicationDidFinishLaunching()
 
 void ScanTestDriver::updateViewOfScanData(const QList<platform::ScanResult>& networks)
 {
-    const std::shared_ptr<WiFiScanTest> test = tests_.newest();
-    if (!test) {
+    std::optional<ScanProcessor::Context> context;
+    loop_.runOnOwnerThread([&] {
+        if (const std::shared_ptr<WiFiScanTest> test = tests_.newest())
+            context = processor_.captureContext(test, networks, refreshIntervalSeconds_);
+        if (!context)
+            loop_.finishScan();
+    }, true);
+    if (!context)
+        return;
+    ScanProcessor::Prepared prepared = processor_.prepare(*context, networks);
+    loop_.runOnOwnerThread([&] { finishUpdate(*context, std::move(prepared)); }, true);
+}
+
+void ScanTestDriver::finishUpdate(const ScanProcessor::Context& context, ScanProcessor::Prepared prepared)
+{
+    // A test stopped and replaced while its scan was being stored keeps the new test's rows clean.
+    const std::shared_ptr<WiFiScanTest> test = context.test;
+    if (test != tests_.newest()) {
         loop_.finishScan();
         return;
     }
-    const ScanProcessor::Result result = processor_.updateViewOfScanData(*test, networks, refreshIntervalSeconds_);
+    const ScanProcessor::Result result = processor_.apply(context, std::move(prepared));
     if (result == ScanProcessor::Result::Processed) {
         emit countLabelChanged(processor_.countLabel());
         if (ScanResultsListener* listener = tests_.resultsListener())

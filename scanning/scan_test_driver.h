@@ -116,7 +116,10 @@ signals:
     void databaseFailed(const QString& message);
 
 private:
+    // On the scan's thread: the owner's state is read, the scan stored and read back there,
+    // and the result applied on the owner thread.
     void updateViewOfScanData(const QList<platform::ScanResult>& networks);
+    void finishUpdate(const ScanProcessor::Context& context, ScanProcessor::Prepared prepared);
     void reportDatabaseFailure();
     void setRunButton(int tag, const QString& title);
     void setIntervalSelectorEnabled(bool enabled);

@@ -23,13 +23,14 @@ ResultsTableView::ResultsTableView(scanning::ResultsTableModel& results, core::U
     : QTableView(parent),
       results_(results),
       settings_(settings),
+      header_(new CheckboxHeaderView(this)),
       items_(new scanning::ResultsTableItemModel(results, this)),
       cells_(new ResultsCellDelegate(results, this)),
       copy_(new QAction(tr("Copy"), this))
 {
     setObjectName(QStringLiteral("scanResultsTableView"));
     setAccessibleName(tr("Scan results"));
-    setHorizontalHeader(new CheckboxHeaderView(this));
+    setHorizontalHeader(header_);
     setModel(items_);
     setItemDelegate(cells_);
     setSelectionBehavior(QAbstractItemView::SelectRows);

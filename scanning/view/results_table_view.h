@@ -7,6 +7,7 @@
 #include <QTableView>
 
 class QAction;
+class QHeaderView;
 class QMenu;
 
 namespace core {
@@ -52,6 +53,9 @@ private:
 
     scanning::ResultsTableModel& results_;
     core::UserSettings& settings_;
+    // Made before the model: children go in the order they were made, and the header's
+    // persistent indexes must be released while the model still exists.
+    QHeaderView* header_;
     scanning::ResultsTableItemModel* items_;
     ResultsCellDelegate* cells_;
     QAction* copy_;
