@@ -16,6 +16,7 @@ allowed() {
         scanning/view) echo "core platform/api scan scanning" ;;
         scanning|sensor) echo "core platform/api scan" ;;
         graphs) echo "core platform/api scan scanning" ;;
+        monitor) echo "core platform/api scan scanning" ;;
         testsupport) echo "core platform/api scan scanning" ;;
         app/*) echo "*" ;;
         *) echo "?" ;;
@@ -31,7 +32,7 @@ layer_of() {
 }
 
 status=0
-for file in $(find core platform scan scanning graphs sensor testsupport app \
+for file in $(find core platform scan scanning graphs monitor sensor testsupport app \
         \( -name tests -prune \) -o \( -name '*.h' -o -name '*.cpp' \) -print 2>/dev/null | sort); do
     own=$(layer_of "$file")
     rules=$(allowed "$own")
