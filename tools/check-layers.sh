@@ -11,6 +11,7 @@ allowed() {
     case $1 in
         core) echo "" ;;
         platform/api) echo "core" ;;
+        platform/sound) echo "" ;;
         scan) echo "core platform/api" ;;
         platform/linux|platform/sim|platform/capture) echo "core platform/api scan" ;;
         scanning/view) echo "core platform/api scan scanning" ;;
