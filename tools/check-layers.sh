@@ -18,6 +18,7 @@ allowed() {
         scanning|sensor) echo "core platform/api scan" ;;
         graphs) echo "core platform/api scan scanning" ;;
         monitor) echo "core platform/api scan scanning" ;;
+        monitor/view) echo "core platform/api scan scanning monitor" ;;
         testsupport) echo "core platform/api scan scanning" ;;
         app/*) echo "*" ;;
         *) echo "?" ;;
@@ -26,7 +27,7 @@ allowed() {
 
 layer_of() {
     case $1 in
-        platform/*/*|app/*/*|scanning/view/*) echo "$1" | cut -d/ -f1-2 ;;
+        platform/*/*|app/*/*|scanning/view/*|monitor/view/*) echo "$1" | cut -d/ -f1-2 ;;
         */*) echo "$1" | cut -d/ -f1 ;;
         *) echo "" ;;
     esac
