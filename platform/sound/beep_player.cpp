@@ -21,13 +21,19 @@ public:
             ca_context_destroy(context_);
     }
 
-    void play()
+    // True when a play can be tried; reports once why not.
+    bool prepare()
     {
         if (soundFile_.isEmpty()) {
             reportOnce(QStringLiteral("the beep sound file was not found"));
-            return;
+            return false;
         }
-        if (!context_ && !open())
+        return context_ || open();
+    }
+
+    void play()
+    {
+        if (!prepare())
             return;
         const int result = ca_context_play(context_, 0, CA_PROP_MEDIA_FILENAME, soundFile_.toLocal8Bit().constData(),
                                            CA_PROP_EVENT_DESCRIPTION, "Audio tracking beep", nullptr);
@@ -89,6 +95,8 @@ BeepPlayer::BeepPlayer(const QString& soundFile, QObject* parent)
     worker_->moveToThread(&thread_);
     connect(&thread_, &QThread::finished, worker_, &QObject::deleteLater);
     thread_.start();
+    // Reaching the sound server now tells the user at once when there is none, not at the first beep.
+    QMetaObject::invokeMethod(worker_, [worker = worker_] { worker->prepare(); }, Qt::QueuedConnection);
 }
 
 BeepPlayer::~BeepPlayer()

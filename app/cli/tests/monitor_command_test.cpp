@@ -45,10 +45,10 @@ TEST(CliMonitor, BeepWithoutASoundServerSaysSoAndKeepsMonitoring)
     qputenv("PULSE_SERVER", "unix:/nonexistent/skyvane-test");
     const CliRun run = runCli({QStringLiteral("--simulate"), QStringLiteral("--seed"), QStringLiteral("7"),
                                QStringLiteral("monitor"), bssid, QStringLiteral("--interval"), QStringLiteral("1"),
-                               QStringLiteral("--count"), QStringLiteral("1"), QStringLiteral("--beep")});
+                               QStringLiteral("--count"), QStringLiteral("2"), QStringLiteral("--beep")});
     qunsetenv("PULSE_SERVER");
     EXPECT_EQ(run.exitCode, 0);
-    EXPECT_EQ(run.lines.size(), 2);
+    EXPECT_EQ(run.lines.size(), 3);
     EXPECT_EQ(run.err.count("skyvane-cli: cannot beep:"), 1) << run.err.toStdString();
 }
 
