@@ -15,7 +15,8 @@ PACKAGES="build-essential cmake ninja-build pkg-config clang libclang-rt-14-dev
 qt6-base-dev libsqlite3-dev libicu-dev libplist-dev libpcap-dev zlib1g-dev
 libnl-3-dev libnl-genl-3-dev libavahi-client-dev ieee-data
 libgtest-dev libgmock-dev libbenchmark-dev tshark dbus-daemon dbus-bin
-desktop-file-utils appstream librsvg2-bin help2man"
+desktop-file-utils appstream librsvg2-bin help2man
+libcanberra-dev libcanberra-pulse sound-theme-freedesktop"
 
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi

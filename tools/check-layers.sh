@@ -11,11 +11,16 @@ allowed() {
     case $1 in
         core) echo "" ;;
         platform/api) echo "core" ;;
+        platform/sound) echo "" ;;
         scan) echo "core platform/api" ;;
         platform/linux|platform/sim|platform/capture) echo "core platform/api scan" ;;
         scanning/view) echo "core platform/api scan scanning" ;;
         scanning|sensor) echo "core platform/api scan" ;;
         graphs) echo "core platform/api scan scanning" ;;
+        graphs/view) echo "core platform/api scan scanning graphs plot" ;;
+        plot) echo "" ;;
+        monitor) echo "core platform/api scan scanning" ;;
+        monitor/view) echo "core platform/api scan scanning monitor plot" ;;
         testsupport) echo "core platform/api scan scanning" ;;
         app/*) echo "*" ;;
         *) echo "?" ;;
@@ -24,14 +29,14 @@ allowed() {
 
 layer_of() {
     case $1 in
-        platform/*/*|app/*/*|scanning/view/*) echo "$1" | cut -d/ -f1-2 ;;
+        platform/*/*|app/*/*|scanning/view/*|graphs/view/*|monitor/view/*) echo "$1" | cut -d/ -f1-2 ;;
         */*) echo "$1" | cut -d/ -f1 ;;
         *) echo "" ;;
     esac
 }
 
 status=0
-for file in $(find core platform scan scanning graphs sensor testsupport app \
+for file in $(find core platform plot scan scanning graphs monitor sensor testsupport app \
         \( -name tests -prune \) -o \( -name '*.h' -o -name '*.cpp' \) -print 2>/dev/null | sort); do
     own=$(layer_of "$file")
     rules=$(allowed "$own")

@@ -1,6 +1,7 @@
 #include "app/cli/cli_arguments.h"
 #include "app/cli/decode_command.h"
 #include "app/cli/listen_command.h"
+#include "app/cli/monitor_command.h"
 #include "app/cli/scan_command.h"
 #include "app/cli/sensor_send_command.h"
 #include "app/cli/tool_command.h"
@@ -20,12 +21,15 @@ void printUsage(std::FILE* stream)
                "       skyvane-cli --help | --version\n"
                "       skyvane-cli decode FILE\n"
                "       skyvane-cli [BACKEND] -s | -s -x | -I | watch [--interval SECONDS] [--count N]\n"
-               "       skyvane-cli [BACKEND] scan [OPTIONS]\n\n"
+               "       skyvane-cli [BACKEND] scan [OPTIONS]\n"
+               "       skyvane-cli [BACKEND] monitor BSSID [--interval SECONDS] [--count N] [--beep]\n\n"
                "commands:\n"
                "  decode FILE           every beacon and probe response of a pcap or pcapng file as JSON lines\n",
                stream);
     std::fputs(app::cli::scanUsage().toUtf8().constData(), stream);
     std::fputs(app::cli::toolUsage().toUtf8().constData(), stream);
+    std::fputs("\nmonitor command:\n", stream);
+    std::fputs(app::cli::monitorUsage().toUtf8().constData(), stream);
     std::fputs("\nsensor commands:\n", stream);
     std::fputs(app::cli::listenUsage().toUtf8().constData(), stream);
     std::fputs(app::cli::sensorSendUsage().toUtf8().constData(), stream);
@@ -78,6 +82,14 @@ int main(int argc, char* argv[])
         SettingsStore settings;
         settings.setupDefaults();
         return app::cli::runListen(*listen, settings, stdout, stderr);
+    }
+    if (command == u"monitor") {
+        const auto monitor = app::cli::parseMonitorArguments(arguments, &error);
+        if (!monitor) {
+            std::fprintf(stderr, "skyvane-cli: %s\n", error.toUtf8().constData());
+            return 2;
+        }
+        return app::cli::runMonitor(*monitor, stdout, stderr);
     }
     if (command == u"scan") {
         const auto scan = app::cli::parseScanArguments(arguments, &error);
