@@ -159,11 +159,18 @@ void drawAxis(QPainter& painter, const Geometry& geometry, const Graph& graph, c
     const QFontMetricsF labelMetrics(fontFor(axis.labelStyle));
     const double labelHeight = labelMetrics.height();
     const double anchor = line + outward * axis.labelOffset;
+    // Labels too dense to read (a rank of thousands of networks) are thinned: one that would
+    // touch the label drawn before it is left out.
+    QRectF previous;
     for (const TickLabel& label : tickLabels(axis, range)) {
         const double width = labelMetrics.horizontalAdvance(singleLine(label.text)) + 2.0;
         const double along = pixelOf(label.position);
         const QRectF box = horizontal ? QRectF(along - width / 2.0, anchor, width, labelHeight)
                                       : QRectF(anchor - width, along - labelHeight / 2.0, width, labelHeight);
+        const QRectF spaced = horizontal ? box.adjusted(-2.0, 0.0, 2.0, 0.0) : box;
+        if (!previous.isNull() && spaced.intersects(previous))
+            continue;
+        previous = spaced;
         drawPlainText(painter, box, horizontal ? Qt::AlignHCenter | Qt::AlignTop : Qt::AlignRight | Qt::AlignVCenter,
                       label.text, axis.labelStyle);
     }
