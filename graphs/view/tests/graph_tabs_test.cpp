@@ -93,6 +93,14 @@ TEST_F(GraphTabs, ChannelGraphsDescribeThemselvesFollowTheBandAndPaintTheHighlig
     EXPECT_NEAR(filled.green(), area.green() + (code.green() - area.green()) * alpha, 12);
     EXPECT_NEAR(filled.blue(), area.blue() + (code.blue() - area.blue()) * alpha, 12);
     EXPECT_EQ(pixelAt(view, QPointF(2470.0, -60.0)), area);
+
+    // A dark desktop gets the established dark plot area.
+    QPalette dark = view->palette();
+    dark.setColor(QPalette::Window, QColor(50, 50, 50));
+    dark.setColor(QPalette::WindowText, QColor(230, 230, 230));
+    view->setPalette(dark);
+    settle(view);
+    EXPECT_EQ(pixelAt(view, QPointF(2470.0, -60.0)), QColor(29, 29, 29));
 }
 
 TEST_F(GraphTabs, RankPaintsTheConnectedBarYellowAndNamesNetworksAsPlainText)
