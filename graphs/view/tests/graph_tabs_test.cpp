@@ -162,7 +162,8 @@ TEST_F(GraphTabs, SignalGraphsAnnotateTheSampleUnderTheMouse)
     QSignalSpy requested(&widget, &graphs::view::GraphTabWidget::samplesWindowRequested);
     ASSERT_TRUE(details->showSamplesButton()->isEnabled());
     details->showSamplesButton()->click();
-    EXPECT_EQ(requested.size(), 1);
+    ASSERT_EQ(requested.size(), 1);
+    EXPECT_EQ(requested.first().at(0).toString(), QStringLiteral("SSID: net-01"));
     EXPECT_FALSE(details->showSamplesButton()->accessibleName().isEmpty());
 }
 
