@@ -155,6 +155,8 @@ int measureMemory(int accessPoints, int scans, const QTemporaryDir& home)
         QCoreApplication::processEvents();
         if (scan == 100)
             after100 = residentKilobytes();
+        if (scan % 100 == 0)
+            std::printf("  after %d scans: %ld kB\n", scan, residentKilobytes());
     }
     const long after = residentKilobytes();
     std::printf("resident memory, %d networks: %ld kB after 100 scans, %ld kB after %d scans (%+.1f%%)\n",

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "scan/scaned_result_info.h"
+
 #include <QTabWidget>
 
 namespace graphs {
@@ -27,7 +29,8 @@ public:
     SignalRankTab* signalRank() const { return rank_; }
 
 signals:
-    void samplesWindowRequested();
+    // header: "SSID: %@" of the examined network; history: its samples, newest first.
+    void samplesWindowRequested(const QString& header, const QList<scan::ScanedResultInfo>& history);
 
 private:
     GraphViewTabSet& tabs_;

@@ -55,7 +55,10 @@ NetworkDetailsTab::NetworkDetailsTab(NetworkDetailsModel& model, QWidget* parent
     streams_->setAccessibleName(tr("Streams"));
     showSamples_->setObjectName(QStringLiteral("showSamplesButton"));
     showSamples_->setAccessibleName(tr("Show samples"));
-    connect(showSamples_, &QPushButton::clicked, this, &NetworkDetailsTab::samplesWindowRequested);
+    connect(showSamples_, &QPushButton::clicked, this, [this] {
+        if (!model_.visibleBSSID().isEmpty())
+            emit samplesWindowRequested(model_.samplesHeader(), model_.sampledData());
+    });
 
     auto* fields = new QFormLayout;
     fields->addRow(tr("Channel:"), channel_);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "scan/scaned_result_info.h"
+
 #include "graphs/view/graph_view.h"
 
 #include <QWidget>
@@ -30,7 +32,8 @@ public:
 
 signals:
     // The user asked for the examined network's samples window.
-    void samplesWindowRequested();
+    // header: "SSID: %@" of the examined network; history: its samples, newest first.
+    void samplesWindowRequested(const QString& header, const QList<scan::ScanedResultInfo>& history);
 
 private:
     void updateView();

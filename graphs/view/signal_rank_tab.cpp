@@ -65,6 +65,9 @@ SignalRankTab::SignalRankTab(SignalRankModel& model, QWidget* parent)
     title->setText(frame.title);
     auto* worst = makeLabel(QStringLiteral("worstLabel"), tr("Worst"), frame.endFont, grey, Qt::AlignRight, this);
     worst->setText(frame.worst);
+    // Fixed words keep their width; only the network names give way.
+    for (QLabel* fixed : {best, title, worst})
+        fixed->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
 
     auto* top = new QHBoxLayout;
     top->addWidget(selected_, 1);

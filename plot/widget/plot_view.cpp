@@ -46,6 +46,11 @@ void PlotView::clearOverlay()
 
 void PlotView::scheduleRender()
 {
+    if (!isVisible()) {
+        renderWhenShown_ = true;
+        return;
+    }
+    renderWhenShown_ = false;
     const quint64 generation = ++generation_;
     latest_->store(generation);
     const QSize logical = size().isEmpty() ? sizeHint() : size();
@@ -101,6 +106,13 @@ void PlotView::mousePressEvent(QMouseEvent* event)
     if (event->button() == Qt::LeftButton)
         emit clickedAt(plotGeometry().toData(event->position()));
     QWidget::mousePressEvent(event);
+}
+
+void PlotView::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    if (renderWhenShown_)
+        scheduleRender();
 }
 
 void PlotView::leaveEvent(QEvent* event)

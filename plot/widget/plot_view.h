@@ -33,7 +33,7 @@ public:
     QImage cachedImage() const { return cache_; }
     quint64 shownGeneration() const { return shownGeneration_; }
     quint64 latestGeneration() const { return generation_; }
-    bool renderPending() const { return shownGeneration_ != generation_; }
+    bool renderPending() const { return renderWhenShown_ || shownGeneration_ != generation_; }
     Geometry plotGeometry() const { return Geometry(graph_, QSizeF(size())); }
 
     QSize sizeHint() const override { return {640, 360}; }
@@ -52,6 +52,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     void scheduleRender();
@@ -63,6 +64,8 @@ private:
     QImage cache_;
     quint64 generation_ = 0;
     quint64 shownGeneration_ = 0;
+    // A hidden view (a tab in the background) renders only when it is shown again.
+    bool renderWhenShown_ = false;
     // Read by queued renders so they can skip work a newer graph has made stale.
     std::shared_ptr<std::atomic<quint64>> latest_ = std::make_shared<std::atomic<quint64>>(0);
     // Own threads: rendering blocks for a while and must not hold up Qt's global pool, which

@@ -57,6 +57,13 @@ TEST_F(DesktopWindow, OpensOnTheSimulatedRadioScansAndQuitsCleanly)
 
     // The launch notification starts the first test without a click.
     EXPECT_TRUE(QTest::qWaitFor([&] { return desktop->results()->rowCount() > 0; }, 15000));
+    // The scan reaches the graphs under the table, which say what they show.
+    const auto* channels = window->findChild<QWidget*>(QStringLiteral("channelGraph24GHz"));
+    ASSERT_NE(channels, nullptr);
+    EXPECT_EQ(channels->accessibleName(), QStringLiteral("2.4 GHz channel graph"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !channels->accessibleDescription().endsWith(QLatin1String(", 0 networks")); },
+                                5000))
+        << channels->accessibleDescription().toStdString();
 
     QSignalSpy terminated(desktop.get(), &DesktopApplication::terminated);
     window->close();

@@ -93,6 +93,14 @@ TEST_F(GraphTabs, ChannelGraphsDescribeThemselvesFollowTheBandAndPaintTheHighlig
     EXPECT_NEAR(filled.green(), area.green() + (code.green() - area.green()) * alpha, 12);
     EXPECT_NEAR(filled.blue(), area.blue() + (code.blue() - area.blue()) * alpha, 12);
     EXPECT_EQ(pixelAt(view, QPointF(2470.0, -60.0)), area);
+
+    // A dark desktop gets the established dark plot area.
+    QPalette dark = view->palette();
+    dark.setColor(QPalette::Window, QColor(50, 50, 50));
+    dark.setColor(QPalette::WindowText, QColor(230, 230, 230));
+    view->setPalette(dark);
+    settle(view);
+    EXPECT_EQ(pixelAt(view, QPointF(2470.0, -60.0)), QColor(29, 29, 29));
 }
 
 TEST_F(GraphTabs, RankPaintsTheConnectedBarYellowAndNamesNetworksAsPlainText)
@@ -154,7 +162,8 @@ TEST_F(GraphTabs, SignalGraphsAnnotateTheSampleUnderTheMouse)
     QSignalSpy requested(&widget, &graphs::view::GraphTabWidget::samplesWindowRequested);
     ASSERT_TRUE(details->showSamplesButton()->isEnabled());
     details->showSamplesButton()->click();
-    EXPECT_EQ(requested.size(), 1);
+    ASSERT_EQ(requested.size(), 1);
+    EXPECT_EQ(requested.first().at(0).toString(), QStringLiteral("SSID: net-01"));
     EXPECT_FALSE(details->showSamplesButton()->accessibleName().isEmpty());
 }
 
