@@ -31,6 +31,15 @@ void SensorListenerController::setCurrentInterface(std::shared_ptr<platform::Wir
     currentInterface_ = std::move(currentInterface);
 }
 
+std::optional<int> SensorListenerController::portForSetting(const QVariant& setting)
+{
+    bool ok = false;
+    const int port = setting.toString().trimmed().toInt(&ok);
+    if (!ok || port < 0 || port > 65535)
+        return std::nullopt;
+    return port;
+}
+
 QString SensorListenerController::startListenerButtonTitle() const
 {
     return buttonTag_ != 0 ? QStringLiteral("Stop Listener") : QStringLiteral("Start Listener");

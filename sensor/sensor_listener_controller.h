@@ -7,8 +7,10 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QVariant>
 
 #include <memory>
+#include <optional>
 
 namespace platform {
 class WirelessInterface;
@@ -29,6 +31,11 @@ public:
     static constexpr int NoListenerType = -1;
     static constexpr int TCPListenerType = 0;
     static constexpr int UDPListenerType = 1;
+    static constexpr const char* portSettingKey = "udp_listener_port";
+
+    // The port a udp_listener_port value names (a number or its text); nullopt when it names
+    // none from 0 to 65535.
+    static std::optional<int> portForSetting(const QVariant& setting);
 
     // A null interface gives GPS rows without link values, in the format of
     // generationWithoutInterface; with an interface its own generation decides.

@@ -141,3 +141,14 @@ TEST(HostAddress, FirstIpv4AddressThatIsNotLoopback)
 }
 
 } // namespace
+
+TEST(ListenerPortSetting, NumbersAndTheirTextsWithinThePortRange)
+{
+    const std::pair<QVariant, std::optional<int>> cases[] = {
+        {5555, 5555},          {QStringLiteral(" 80 "), 80}, {0, 0},
+        {65535, 65535},        {65536, std::nullopt},        {-1, std::nullopt},
+        {QStringLiteral("5555x"), std::nullopt},             {QVariant(), std::nullopt},
+    };
+    for (const auto& [setting, port] : cases)
+        EXPECT_EQ(sensor::SensorListenerController::portForSetting(setting), port) << setting.toString().toStdString();
+}
