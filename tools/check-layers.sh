@@ -16,6 +16,7 @@ allowed() {
         platform/linux|platform/sim|platform/capture) echo "core platform/api scan" ;;
         scanning/view) echo "core platform/api scan scanning" ;;
         scanning|sensor) echo "core platform/api scan" ;;
+        sensor/view) echo "core platform/api scan sensor" ;;
         graphs) echo "core platform/api scan scanning" ;;
         graphs/view) echo "core platform/api scan scanning graphs plot" ;;
         plot) echo "" ;;
@@ -29,7 +30,7 @@ allowed() {
 
 layer_of() {
     case $1 in
-        platform/*/*|app/*/*|scanning/view/*|graphs/view/*|monitor/view/*) echo "$1" | cut -d/ -f1-2 ;;
+        platform/*/*|app/*/*|scanning/view/*|graphs/view/*|monitor/view/*|sensor/view/*) echo "$1" | cut -d/ -f1-2 ;;
         */*) echo "$1" | cut -d/ -f1 ;;
         *) echo "" ;;
     esac
