@@ -3,6 +3,7 @@
 #include "app/cli/cli_arguments.h"
 #include "app/desktop/general_preferences.h"
 #include "app/desktop/interface_state_reactions.h"
+#include "app/desktop/log_category.h"
 #include "app/desktop/reachability_monitor.h"
 #include "app/desktop/review_window.h"
 #include "app/desktop/scan_main_window.h"
@@ -25,9 +26,12 @@
 #include "scanning/view/export_menu.h"
 #include "scanning/view/scanner_tab.h"
 #include "sensor/host_address.h"
+#include "sensor/sensor_listener_session.h"
+#include "sensor/view/sensor_listener_tab.h"
 
 #include <QColor>
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QMessageBox>
 #include <QThread>
@@ -78,6 +82,7 @@ bool DesktopApplication::launch()
     parts_->backend = std::move(*backend);
     graphs::ColorCodesManager::sharedColorManager();
     parts_->settings.setupDefaults();
+    startSensorListener();
 
     database_ = std::make_unique<scanning::ScanDatabase>(arguments_.databasePath);
     if (!database_->isOpen()) {
@@ -112,6 +117,7 @@ bool DesktopApplication::launch()
     reportImages_ = std::make_unique<graphs::view::ReportGraphImages>(*graphs_);
     tab->exporter()->setReportGraphs(reportImages_->reportGraphs());
     mainWindow_ = std::make_unique<ScanMainWindow>(tab, parts_->settings, parts_->backend.statusText);
+    addSensorListenerTab();
     mainWindow_->restoreWindowState();
     connect(mainWindow_.get(), &ScanMainWindow::settingChanged, tab, [this, tab](const QString& key) {
         if (key == QLatin1String(GeneralPreferences::fontSizeKey))
@@ -143,6 +149,10 @@ bool DesktopApplication::launch()
         if (turnWiFiOnOffWindow_->isVisible())
             turnWiFiOnOffWindow_->done(1);
     });
+    connect(reachability_, &ReachabilityMonitor::serverAddressChanged, this, [this](const QString& serverIP) {
+        sensorListener_->controller().setServerIP(serverIP);
+        sensorListener_->controller().updateServerIPAddress();
+    });
     // The system's own first answer comes in late at start-up; asking at once would only report
     // the network as down.
     QTimer::singleShot(5000, reachability_, &ReachabilityMonitor::start);
@@ -153,6 +163,21 @@ bool DesktopApplication::launch()
     launchAnnouncer_.reset(QThread::create([events = &parts_->events] { emit events->appFinishLaunching(); }));
     launchAnnouncer_->start();
     return true;
+}
+
+void DesktopApplication::startSensorListener()
+{
+    sensorListener_ = std::make_unique<sensor::SensorListenerSession>(parts_->backend.interface, parts_->settings,
+                                                                      QDateTime::currentDateTime());
+    connect(sensorListener_.get(), &sensor::SensorListenerSession::consoleMessage, this,
+            [](const QString& message) { qCInfo(lcDesktop).noquote() << message; });
+    connect(&parts_->settings, &SettingsStore::saveFailed, &sensorListener_->controller(),
+            &sensor::SensorListenerController::updateListenerStatus);
+}
+
+void DesktopApplication::addSensorListenerTab()
+{
+    mainWindow_->addTab(new sensor::view::SensorListenerTab(*sensorListener_), tr("Sensor Listener"));
 }
 
 void DesktopApplication::showModeAlert(const QString& messageText)
@@ -199,6 +224,7 @@ void DesktopApplication::terminate()
     driver_->waitForBackgroundWork();
     mainWindow_->saveWindowState();
     mainWindow_->hide();
+    sensorListener_->finish();
     database_->close();
     emit terminated();
 }

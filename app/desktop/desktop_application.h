@@ -32,6 +32,9 @@ namespace graphs::view {
 class GraphTabWidget;
 class ReportGraphImages;
 }
+namespace sensor {
+class SensorListenerSession;
+}
 
 // The skyvane program's composition root: builds the backend, settings, database, scan driver,
 // results model, events and windows in launch order, and runs the quit sequence.
@@ -63,6 +66,7 @@ public:
     WiFiTurnedOffWindow* wifiTurnedOffWindow() const { return turnWiFiOnOffWindow_; }
     ReviewWindow* reviewWindow() const { return reivewController_; }
     QString backendStatus() const;
+    sensor::SensorListenerSession* sensorListener() const { return sensorListener_.get(); }
     std::shared_ptr<platform::WirelessInterface> currentInterface() const;
 
 public slots:
@@ -76,11 +80,14 @@ private:
     void quitDecided(QuitSequence::Decision decision);
     void showReviewWindow();
     void showModeAlert(const QString& messageText);
+    void startSensorListener();
+    void addSensorListenerTab();
 
     struct Parts;
     DesktopArguments arguments_;
     ErrorReporter reportError_;
     std::unique_ptr<Parts> parts_;
+    std::unique_ptr<sensor::SensorListenerSession> sensorListener_;
     std::unique_ptr<scanning::ScanDatabase> database_;
     std::unique_ptr<scanning::ScanTestDriver> driver_;
     std::unique_ptr<graphs::GraphViewTabSet> graphs_;

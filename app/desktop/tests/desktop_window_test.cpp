@@ -12,6 +12,7 @@
 #include <QSaveFile>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -54,6 +55,10 @@ TEST_F(DesktopWindow, OpensOnTheSimulatedRadioScansAndQuitsCleanly)
     for (QAction* menu : window->menuBar()->actions())
         menus << menu->text();
     EXPECT_EQ(menus, (QStringList{"&File", "&Edit", "&Scan"}));
+    // The listener's port field is filled from the registered default at launch.
+    const auto* port = window->findChild<QSpinBox*>(QStringLiteral("udpListenerPortTextField"));
+    ASSERT_NE(port, nullptr);
+    EXPECT_EQ(port->value(), 5555);
 
     // The launch notification starts the first test without a click.
     EXPECT_TRUE(QTest::qWaitFor([&] { return desktop->results()->rowCount() > 0; }, 15000));
