@@ -76,6 +76,8 @@ SensorListenerTab::SensorListenerTab(sensor::SensorListenerSession& session, QWi
     startListenerButton_->setCheckable(true);
     startListenerButton_->setAutoDefault(true);
     connect(startListenerButton_, &QPushButton::clicked, this, [this] {
+        // Details of an earlier start or stop would read as this one's.
+        consoleLabel_->clear();
         session_.controller().startListenerButtonClicked();
         // A failed bind changes no state, yet the click toggled the button.
         showButtons();
@@ -150,7 +152,8 @@ void SensorListenerTab::setLogFolder(const QString& folder)
 
 void SensorListenerTab::openFileDialogButtonClicked()
 {
-    const QString folder = chooseFolder_(this, logFilePathTextField_->text());
+    const QString shown = logFilePathTextField_->text();
+    const QString folder = chooseFolder_(this, shown.isEmpty() ? QDir::homePath() : shown);
     if (!folder.isEmpty())
         setLogFolder(folder);
 }

@@ -101,6 +101,11 @@ TEST_F(SensorListenerTabTest, BindFailureIsToldAndLeavesTheListenerIdle)
     EXPECT_TRUE(child<QLabel>("listenerConsoleLabel")->text().startsWith(QLatin1String("failed to bound to port! ")));
     EXPECT_EQ(startButton()->text(), QStringLiteral("Start Listener"));
     EXPECT_FALSE(startButton()->isChecked());
+
+    holder.close();
+    startButton()->click();
+    EXPECT_EQ(status(), QStringLiteral("UDP listener started and bounded to port %1").arg(session.controller().boundPort()));
+    EXPECT_TRUE(child<QLabel>("listenerConsoleLabel")->text().isEmpty()) << "the failure's reason is not left behind";
 }
 
 TEST_F(SensorListenerTabTest, TcpLineShowsAndTheServerAddressFollowsTheListener)
