@@ -18,6 +18,9 @@ GCDSensorLoggerTCPServer::GCDSensorLoggerTCPServer(int port, TcpLineTimeouts tim
     connect(&netService_, &DnsSdAnnouncer::announced, this, [this](const QString& name) {
         emit diagnostic(QStringLiteral("Announced %1 as %2 by DNS-SD").arg(name, serviceType));
     });
+    nextBatch_.setSingleShot(true);
+    nextBatch_.setInterval(0);
+    connect(&nextBatch_, &QTimer::timeout, this, [this] { reportLines(batchSize); });
     socketQueue_.start();
 }
 
@@ -46,6 +49,8 @@ void GCDSensorLoggerTCPServer::stop()
     starting_ = false;
     TcpLineServer* server = listenSocket_;
     QMetaObject::invokeMethod(server, [server] { server->stopListening(); }, Qt::BlockingQueuedConnection);
+    // Lines read before the stop are reported before it.
+    reportLines(static_cast<qsizetype>(receivedLines_.size()));
     netService_.stop();
     emit sensorLoggerGCDTCPServerDidStopped();
     isRunning_ = false;
@@ -74,13 +79,28 @@ void GCDSensorLoggerTCPServer::listenSocketFailed(const QString& error)
 
 void GCDSensorLoggerTCPServer::lineRead(const QByteArray& line)
 {
-    QStringDecoder toUtf16(QStringDecoder::Utf8);
-    const QString text = toUtf16(line.chopped(2));
-    if (toUtf16.hasError()) {
-        emit diagnostic(QStringLiteral("Error converting received data into UTF-8 String"));
-        return;
+    receivedLines_.push_back(line);
+    // Lines that were on their way when the server stopped are reported at once.
+    if (!isRunning_)
+        reportLines(static_cast<qsizetype>(receivedLines_.size()));
+    else if (!nextBatch_.isActive())
+        nextBatch_.start();
+}
+
+void GCDSensorLoggerTCPServer::reportLines(qsizetype count)
+{
+    for (; count > 0 && !receivedLines_.empty(); --count) {
+        const QByteArray line = std::move(receivedLines_.front());
+        receivedLines_.pop_front();
+        QStringDecoder toUtf16(QStringDecoder::Utf8);
+        const QString text = toUtf16(line.chopped(2));
+        if (toUtf16.hasError())
+            emit diagnostic(QStringLiteral("Error converting received data into UTF-8 String"));
+        else
+            emit sensorLoggerGCDTCPServerDidReceiveData(text);
     }
-    emit sensorLoggerGCDTCPServerDidReceiveData(text);
+    if (!receivedLines_.empty() && !nextBatch_.isActive())
+        nextBatch_.start();
 }
 
 } // namespace sensor

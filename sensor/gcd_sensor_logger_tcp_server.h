@@ -6,6 +6,9 @@
 #include <QObject>
 #include <QString>
 #include <QThread>
+#include <QTimer>
+
+#include <deque>
 
 // The TCP side of the sensor listener: serves phones on one port from its own socket thread,
 // announces itself by DNS-SD, and reports start, failure, received lines and stop to its owner's
@@ -16,6 +19,9 @@ class GCDSensorLoggerTCPServer : public QObject {
     Q_OBJECT
 public:
     static inline const QString serviceType = QStringLiteral("_TelemetraServer._tcp.");
+    // Lines reported per turn of the owner's event loop: a flood that piled up while the owner
+    // was busy is worked off in slices, so its timers and painting keep their turns.
+    static constexpr int batchSize = 256;
 
     explicit GCDSensorLoggerTCPServer(int port, TcpLineTimeouts timeouts = {}, QObject* parent = nullptr);
     ~GCDSensorLoggerTCPServer() override;
@@ -43,6 +49,7 @@ private:
     void listenSocketStarted(quint16 port);
     void listenSocketFailed(const QString& error);
     void lineRead(const QByteArray& line);
+    void reportLines(qsizetype count);
 
     QThread socketQueue_;
     TcpLineServer* listenSocket_;  // lives on socketQueue_, deleted there
@@ -51,6 +58,8 @@ private:
     quint16 listeningPort_ = 0;
     bool isRunning_ = false;
     bool starting_ = false;
+    std::deque<QByteArray> receivedLines_;
+    QTimer nextBatch_;
 };
 
 } // namespace sensor

@@ -7,9 +7,11 @@
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -188,6 +190,37 @@ TEST_F(TcpServerTest, FailedStartShowsRunningUntilStopped)
     EXPECT_TRUE(controller.listenerStatus().endsWith(QStringLiteral(").")));
     controller.toggleTCPListener();
     EXPECT_TRUE(waitUntil([&] { return controller.startListenerButtonTag() == 0; }));
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(TcpServerTest, AFloodIsReportedInOrderInSlicesThatLetTheEventLoopTurn)
+{
+    startServerAndConnect();
+    // A zero timer fires once per event-loop turn; the lines reported between two of its ticks
+    // are what one turn handled.
+    qsizetype largestTurn = 0;
+    qsizetype atLastTick = 0;
+    QTimer turn;
+    turn.setInterval(0);
+    QObject::connect(&turn, &QTimer::timeout, [&] {
+        largestTurn = std::max(largestTurn, lines.size() - atLastTick);
+        atLastTick = lines.size();
+    });
+    turn.start();
+    constexpr int count = 5000;
+    QByteArray flood;
+    for (int i = 0; i < count; ++i)
+        flood += "0,9," + QByteArray::number(i) + "\r\n";
+    client.write(flood);
+    client.flush();
+    ASSERT_TRUE(waitUntil([&] { return lines.size() >= count; }, 10000));
+    ASSERT_EQ(lines.size(), count);
+    for (int i = 0; i < count; i += 997)
+        EXPECT_EQ(lines[i], QStringLiteral("0,9,%1").arg(i));
+    EXPECT_LE(largestTurn, GCDSensorLoggerTCPServer::batchSize);
 }
 
 } // namespace

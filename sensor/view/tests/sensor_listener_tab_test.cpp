@@ -53,8 +53,8 @@ protected:
 
     QString waitForLog(const QString& expected)
     {
-        static_cast<void>(QTest::qWaitFor([&] { return tab.logView()->toPlainText().contains(expected); }, 5000));
-        return tab.logView()->toPlainText();
+        static_cast<void>(QTest::qWaitFor([&] { return tab.logView()->text().contains(expected); }, 5000));
+        return tab.logView()->text();
     }
 
     core::MemorySettings settings{{{QStringLiteral("udp_listener_port"), QStringLiteral("5555")}}};
@@ -87,7 +87,7 @@ TEST_F(SensorListenerTabTest, UdpLineReceivedShowsAsWrittenAndStopResetsTheContr
     EXPECT_TRUE(child<QSpinBox>("udpListenerPortTextField")->isEnabled());
 
     child<QPushButton>("clearListenerLogButton")->click();
-    EXPECT_TRUE(tab.logView()->toPlainText().isEmpty());
+    EXPECT_TRUE(tab.logView()->text().isEmpty());
 }
 
 TEST_F(SensorListenerTabTest, BindFailureIsToldAndLeavesTheListenerIdle)
