@@ -27,9 +27,13 @@ Widget* named(Widget* widget, const char* objectName, const QString& accessibleN
     return widget;
 }
 
-QLabel* plainLabel(const char* objectName, const QString& accessibleName, QWidget* parent)
+// A label whose text is the information: screen readers read its text as its name, so what it
+// is goes into the description.
+QLabel* plainLabel(const char* objectName, const QString& description, QWidget* parent)
 {
-    auto* label = named(new QLabel(parent), objectName, accessibleName);
+    auto* label = new QLabel(parent);
+    label->setObjectName(QLatin1String(objectName));
+    label->setAccessibleDescription(description);
     label->setTextFormat(Qt::PlainText);
     return label;
 }
@@ -44,7 +48,7 @@ SensorListenerTab::SensorListenerTab(sensor::SensorListenerSession& session, QWi
       }),
       udpListenerPortTextField_(named(new QSpinBox(this), "udpListenerPortTextField", tr("Port"))),
       listenerTypeSelector_(new QButtonGroup(this)),
-      startListenerButton_(named(new QPushButton(this), "startListenerButton", tr("Start or stop the listener"))),
+      startListenerButton_(named(new QPushButton(this), "startListenerButton", QString())),
       serverIPLabel_(plainLabel("serverIPLabel", tr("Server address"), this)),
       logFilePathTextField_(named(new QLineEdit(this), "logFilePathTextField", tr("Log folder"))),
       listenerLabelTextField_(plainLabel("listenerLabelTextField", tr("Listener status"), this)),
@@ -73,14 +77,11 @@ SensorListenerTab::SensorListenerTab(sensor::SensorListenerSession& session, QWi
             controller.setSelectedListenerType(id);
     });
 
-    startListenerButton_->setCheckable(true);
-    startListenerButton_->setAutoDefault(true);
+    // Not checkable: assistive tools toggle a checkable button without clicking it.
     connect(startListenerButton_, &QPushButton::clicked, this, [this] {
         // Details of an earlier start or stop would read as this one's.
         consoleLabel_->clear();
         session_.controller().startListenerButtonClicked();
-        // A failed bind changes no state, yet the click toggled the button.
-        showButtons();
     });
     connect(&controller, &SensorListenerController::buttonsChanged, this, &SensorListenerTab::showButtons);
 
@@ -162,7 +163,9 @@ void SensorListenerTab::showButtons()
 {
     const SensorListenerController& controller = session_.controller();
     startListenerButton_->setText(controller.startListenerButtonTitle());
-    startListenerButton_->setChecked(controller.startListenerButtonHighlighted());
+    // Read out as what a press does.
+    startListenerButton_->setAccessibleName(controller.startListenerButtonTitle());
+    startListenerButton_->setDefault(controller.startListenerButtonHighlighted());
     udpListenerPortTextField_->setEnabled(controller.listenerSettingsEnabled());
     for (QAbstractButton* type : listenerTypeSelector_->buttons())
         type->setEnabled(controller.listenerSettingsEnabled());

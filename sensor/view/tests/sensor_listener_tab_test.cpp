@@ -69,7 +69,7 @@ TEST_F(SensorListenerTabTest, UdpLineReceivedShowsAsWrittenAndStopResetsTheContr
     ASSERT_NE(port, 0) << status().toStdString();
     EXPECT_EQ(status(), QStringLiteral("UDP listener started and bounded to port %1").arg(port));
     EXPECT_EQ(startButton()->text(), QStringLiteral("Stop Listener"));
-    EXPECT_TRUE(startButton()->isChecked());
+    EXPECT_TRUE(startButton()->isDefault()) << "highlighted while listening";
     EXPECT_FALSE(child<QSpinBox>("udpListenerPortTextField")->isEnabled());
     EXPECT_FALSE(child<QLabel>("serverIPLabel")->isVisibleTo(&tab));
 
@@ -83,7 +83,7 @@ TEST_F(SensorListenerTabTest, UdpLineReceivedShowsAsWrittenAndStopResetsTheContr
     startButton()->click();
     EXPECT_EQ(status(), QStringLiteral("Listener stopped and unbounded."));
     EXPECT_EQ(startButton()->text(), QStringLiteral("Start Listener"));
-    EXPECT_FALSE(startButton()->isChecked());
+    EXPECT_FALSE(startButton()->isDefault());
     EXPECT_TRUE(child<QSpinBox>("udpListenerPortTextField")->isEnabled());
 
     child<QPushButton>("clearListenerLogButton")->click();
@@ -100,7 +100,7 @@ TEST_F(SensorListenerTabTest, BindFailureIsToldAndLeavesTheListenerIdle)
     EXPECT_EQ(status(), QStringLiteral("Failed binding to port!"));
     EXPECT_TRUE(child<QLabel>("listenerConsoleLabel")->text().startsWith(QLatin1String("failed to bound to port! ")));
     EXPECT_EQ(startButton()->text(), QStringLiteral("Start Listener"));
-    EXPECT_FALSE(startButton()->isChecked());
+    EXPECT_FALSE(startButton()->isDefault());
 
     holder.close();
     startButton()->click();
