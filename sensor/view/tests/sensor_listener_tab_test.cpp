@@ -3,7 +3,10 @@
 #include "sensor/view/sensor_listener_tab.h"
 #include "sensor/view/sensor_log_view.h"
 
+#include <QAction>
+#include <QClipboard>
 #include <QDir>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -79,6 +82,8 @@ TEST_F(SensorListenerTabTest, UdpLineReceivedShowsAsWrittenAndStopResetsTheContr
     EXPECT_TRUE(shown.startsWith(QLatin1String("TIME,BSSID,SSID,RSSI,NOISE,CHANNEL,LATITUDE,LONGITUDE,ALTITUDE\n")))
         << shown.toStdString();
     EXPECT_TRUE(shown.endsWith(QLatin1String(" Unknown : <b>bold</b>,<a href='x'>link</a>"))) << shown.toStdString();
+    tab.logView()->copyAction()->trigger();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), shown);
 
     startButton()->click();
     EXPECT_EQ(status(), QStringLiteral("Listener stopped and unbounded."));
