@@ -4,6 +4,7 @@
 #include "app/desktop/general_preferences.h"
 #include "app/desktop/interface_state_reactions.h"
 #include "app/desktop/log_category.h"
+#include "app/desktop/monitor_windows.h"
 #include "app/desktop/reachability_monitor.h"
 #include "app/desktop/review_window.h"
 #include "app/desktop/scan_main_window.h"
@@ -29,11 +30,13 @@
 #include "sensor/sensor_listener_session.h"
 #include "sensor/view/sensor_listener_tab.h"
 
+#include <QAction>
 #include <QColor>
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
 #include <QMessageBox>
+#include <QStatusBar>
 #include <QThread>
 #include <QTimer>
 
@@ -118,6 +121,7 @@ bool DesktopApplication::launch()
     tab->exporter()->setReportGraphs(reportImages_->reportGraphs());
     mainWindow_ = std::make_unique<ScanMainWindow>(tab, parts_->settings, parts_->backend.statusText);
     addSensorListenerTab();
+    addMonitorWindows(tab);
     mainWindow_->restoreWindowState();
     connect(mainWindow_.get(), &ScanMainWindow::settingChanged, tab, [this, tab](const QString& key) {
         if (key == QLatin1String(GeneralPreferences::fontSizeKey))
@@ -163,6 +167,39 @@ bool DesktopApplication::launch()
     launchAnnouncer_.reset(QThread::create([events = &parts_->events] { emit events->appFinishLaunching(); }));
     launchAnnouncer_->start();
     return true;
+}
+
+void DesktopApplication::addMonitorWindows(scanning::view::ScannerTab* tab)
+{
+    monitors_ = new MonitorWindows(parts_->timers, QCoreApplication::applicationDirPath(), mainWindow_.get(), this);
+    connect(monitors_, &MonitorWindows::soundUnavailable, this, [this](const QString& reason) {
+        mainWindow_->statusBar()->showMessage(tr("No sound for audio tracking: %1").arg(reason));
+    });
+    const auto showSamples = [this](const QString&, const QList<scan::ScanedResultInfo>& history) {
+        monitors_->showSamples(history);
+    };
+    connect(tab, &scanning::view::ScannerTab::samplesWindowRequested, monitors_, showSamples);
+    connect(graphTabs_, &graphs::view::GraphTabWidget::samplesWindowRequested, monitors_, showSamples);
+    connect(driver_.get(), &scanning::ScanTestDriver::scanProcessed, monitors_,
+            [this](const std::shared_ptr<scanning::WiFiScanTest>& test) { monitors_->followScan(*test); });
+    connect(driver_.get(), &scanning::ScanTestDriver::runButtonChanged, monitors_, [this](int tag) {
+        if (tag == 0)
+            monitors_->scanDidStoppedByUser();
+    });
+
+    auto* monitor = new QAction(tr("&Monitor Selected Network…"), mainWindow_.get());
+    monitor->setObjectName(QStringLiteral("monitorNetworkAction"));
+    monitor->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_M));
+    connect(monitor, &QAction::triggered, this, [this] {
+        const QList<int> rows = results_->selectedRows();
+        const scan::ScanedResultInfo* record = rows.isEmpty() ? nullptr : results_->recordAt(rows.first());
+        if (record == nullptr) {
+            mainWindow_->statusBar()->showMessage(tr("Select a network in the table to monitor it."));
+            return;
+        }
+        monitors_->openMonitor(*record, parts_->backend.interface, driver_->refreshIntervalSeconds());
+    });
+    mainWindow_->addScanAction(monitor);
 }
 
 void DesktopApplication::startSensorListener()
@@ -223,6 +260,7 @@ void DesktopApplication::terminate()
     driver_->cancelButtonPressed();
     driver_->waitForBackgroundWork();
     mainWindow_->saveWindowState();
+    monitors_->closeAll();
     mainWindow_->hide();
     sensorListener_->finish();
     database_->close();

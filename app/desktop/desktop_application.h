@@ -24,6 +24,9 @@ class ResultsTableModel;
 class ScanDatabase;
 class ScanTestDriver;
 }
+namespace scanning::view {
+class ScannerTab;
+}
 class SettingsStore;
 namespace graphs {
 class GraphViewTabSet;
@@ -41,6 +44,7 @@ class SensorListenerSession;
 namespace app::desktop {
 
 class InterfaceStateReactions;
+class MonitorWindows;
 class ReachabilityMonitor;
 class ScanMainWindow;
 class WiFiTurnedOffWindow;
@@ -62,6 +66,7 @@ public:
     scanning::ResultsTableModel* results() const { return results_.get(); }
     InterfaceStateReactions* interfaceReactions() const { return reactions_; }
     ReachabilityMonitor* reachability() const { return reachability_; }
+    MonitorWindows* monitorWindows() const { return monitors_; }
     graphs::view::GraphTabWidget* graphTabs() const { return graphTabs_; }
     WiFiTurnedOffWindow* wifiTurnedOffWindow() const { return turnWiFiOnOffWindow_; }
     ReviewWindow* reviewWindow() const { return reivewController_; }
@@ -82,6 +87,7 @@ private:
     void showModeAlert(const QString& messageText);
     void startSensorListener();
     void addSensorListenerTab();
+    void addMonitorWindows(scanning::view::ScannerTab* tab);
 
     struct Parts;
     DesktopArguments arguments_;
@@ -97,6 +103,7 @@ private:
     std::unique_ptr<ScanMainWindow> mainWindow_;
     InterfaceStateReactions* reactions_ = nullptr;
     ReachabilityMonitor* reachability_ = nullptr;
+    MonitorWindows* monitors_ = nullptr;
     graphs::view::GraphTabWidget* graphTabs_ = nullptr;
     WiFiTurnedOffWindow* turnWiFiOnOffWindow_ = nullptr;
     QPointer<ReviewWindow> reivewController_;

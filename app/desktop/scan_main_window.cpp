@@ -72,6 +72,7 @@ void ScanMainWindow::buildMenus(scanning::view::ScannerTab* scannerTab)
 
     QMenu* scan = menuBar()->addMenu(tr("&Scan"));
     scan->setObjectName(QStringLiteral("scanMenu"));
+    scanMenu_ = scan;
     scan->addAction(scannerTab->startPauseAction());
     scan->addAction(scannerTab->stopAction());
     scan->addAction(scannerTab->applyFilterAction());
@@ -80,6 +81,11 @@ void ScanMainWindow::buildMenus(scanning::view::ScannerTab* scannerTab)
 void ScanMainWindow::addTab(QWidget* tab, const QString& title)
 {
     tabs_->addTab(tab, title);
+}
+
+void ScanMainWindow::addScanAction(QAction* action)
+{
+    scanMenu_->addAction(action);
 }
 
 void ScanMainWindow::openPreferences()

@@ -4,7 +4,9 @@
 
 #include <QMainWindow>
 
+class QAction;
 class QLabel;
+class QMenu;
 class QTabWidget;
 
 namespace scanning::view {
@@ -29,6 +31,8 @@ public:
 
     // Another tab beside the scanner; the tab's widget names itself for accessibility.
     void addTab(QWidget* tab, const QString& title);
+    // One more action at the end of the Scan menu.
+    void addScanAction(QAction* action);
 
     // Null until File > Preferences… first opens it; then the same window each time.
     PreferencesWindow* preferencesWindow() const { return preferences_; }
@@ -52,6 +56,7 @@ private:
 
     core::UserSettings& settings_;
     QTabWidget* tabs_;
+    QMenu* scanMenu_ = nullptr;
     QLabel* backendLabel_;
     PreferencesWindow* preferences_ = nullptr;
 };

@@ -1,9 +1,13 @@
 #include "app/desktop/desktop_application.h"
 #include "app/desktop/interface_state_reactions.h"
+#include "app/desktop/monitor_windows.h"
 #include "app/desktop/scan_main_window.h"
 #include "app/desktop/wifi_turned_off_window.h"
 #include "app/settings/settings_store.h"
+#include "monitor/view/monitor_window_panel.h"
+#include "monitor/view/samples_window.h"
 #include "scanning/results_table_model.h"
+#include "scanning/scan_test_driver.h"
 
 #include <QLabel>
 #include <QMenuBar>
@@ -220,3 +224,33 @@ TEST_F(DesktopWindow, TheProgramSaysWhyAndExitsOneWithoutBlockingOnADialog)
 }
 
 } // namespace
+
+// The selected network's monitor opens from the Scan menu, once per network; the samples window
+// opens from a row; both close with the program.
+TEST_F(DesktopWindow, MonitorAndSamplesWindowsOpenForTheSelectedNetworkAndCloseWithTheProgram)
+{
+    setSummary(false);
+    auto desktop = make(simulated());
+    ASSERT_TRUE(desktop->launch());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return desktop->results()->rowCount() > 0; }, 15000));
+    QAction* monitor = desktop->mainWindow()->findChild<QAction*>(QStringLiteral("monitorNetworkAction"));
+    ASSERT_NE(monitor, nullptr);
+    monitor->trigger();
+    EXPECT_EQ(desktop->monitorWindows()->openMonitorCount(), 0);
+
+    desktop->results()->setSelectedRows({0});
+    const QString bssid = desktop->results()->recordAt(0)->bssid;
+    monitor->trigger();
+    monitor->trigger();
+    EXPECT_EQ(desktop->monitorWindows()->openMonitorCount(), 1);
+    const auto panels = desktop->mainWindow()->findChildren<monitor::view::MonitorWindowPanel*>();
+    ASSERT_EQ(panels.size(), 1);
+    EXPECT_EQ(panels.first()->windowTitle(), QStringLiteral("Monitoring - %1").arg(bssid));
+
+    desktop->monitorWindows()->showSamples(desktop->driver()->wifiScanTestArray().first()->scanedResults.first());
+    EXPECT_TRUE(desktop->monitorWindows()->samplesWindow()->isVisible());
+
+    desktop->terminate();
+    EXPECT_EQ(desktop->monitorWindows()->openMonitorCount(), 0);
+    EXPECT_FALSE(desktop->monitorWindows()->samplesWindow()->isVisible());
+}
