@@ -21,7 +21,7 @@ const QString stateKey = QStringLiteral("mainWindowState");
 
 ScanMainWindow::ScanMainWindow(scanning::view::ScannerTab* scannerTab, core::UserSettings& settings,
                                const QString& backendStatus, QWidget* parent)
-    : QMainWindow(parent), settings_(settings), tabs_(new QTabWidget(this)),
+    : QMainWindow(parent), settings_(settings), scannerTab_(scannerTab), tabs_(new QTabWidget(this)),
       backendLabel_(new QLabel(backendStatus, this))
 {
     setObjectName(QStringLiteral("skvMainWindow"));
@@ -103,6 +103,7 @@ void ScanMainWindow::saveWindowState()
 {
     settings_.setValue(geometryKey, QString::fromLatin1(saveGeometry().toBase64()));
     settings_.setValue(stateKey, QString::fromLatin1(saveState().toBase64()));
+    scannerTab_->saveLayout(settings_);
 }
 
 void ScanMainWindow::restoreWindowState()
@@ -116,6 +117,7 @@ void ScanMainWindow::restoreWindowState()
     const QByteArray state = QByteArray::fromBase64(settings_.value(stateKey).toString().toLatin1());
     if (!state.isEmpty())
         restoreState(state);
+    scannerTab_->restoreLayout(settings_);
 }
 
 void ScanMainWindow::closeEvent(QCloseEvent* event)

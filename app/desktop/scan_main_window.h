@@ -25,7 +25,8 @@ public:
     ScanMainWindow(scanning::view::ScannerTab* scannerTab, core::UserSettings& settings, const QString& backendStatus,
                    QWidget* parent = nullptr);
 
-    // Geometry and the dock and toolbar state, kept in the user settings for the next launch.
+    // Geometry, the dock and toolbar state and the scanner tab's layout, kept in the user
+    // settings for the next launch.
     void saveWindowState();
     void restoreWindowState();
 
@@ -55,6 +56,7 @@ private:
     void buildMenus(scanning::view::ScannerTab* scannerTab);
 
     core::UserSettings& settings_;
+    scanning::view::ScannerTab* scannerTab_;
     QTabWidget* tabs_;
     QMenu* scanMenu_ = nullptr;
     QLabel* backendLabel_;

@@ -41,6 +41,7 @@ ResultsTableView::ResultsTableView(scanning::ResultsTableModel& results, core::U
     setWordWrap(false);
     verticalHeader()->hide();
     horizontalHeader()->setSectionsClickable(true);
+    horizontalHeader()->setSectionsMovable(true);
     horizontalHeader()->setSortIndicatorShown(true);
     horizontalHeader()->setContextMenuPolicy(Qt::CustomContextMenu);
     horizontalHeader()->setHighlightSections(false);

@@ -34,6 +34,8 @@ public:
     QMenu* headerMenu();
     // Paints each network's graph colour behind its plot tick.
     void setSwatchColour(ResultsCellDelegate::SwatchColour swatch);
+    // The widths were set by the user (or restored): the first scan must not fit them again.
+    void keepColumnWidths() { columnsFitted_ = true; }
     // Reads the "fontSize" setting again, as it may change while the program runs.
     void applyFontSize();
 

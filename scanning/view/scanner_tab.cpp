@@ -8,6 +8,7 @@
 #include "scanning/view/test_list_view.h"
 
 #include <QMessageBox>
+#include <QHeaderView>
 #include <QSplitter>
 #include <QTextDocument>
 #include <QVBoxLayout>
@@ -47,16 +48,44 @@ ScannerTab::ScannerTab(scanning::ScanTestDriver& driver, scanning::ResultsTableM
     resultsSplitter_->addWidget(table_);
     resultsLayout->addWidget(resultsSplitter_, 1);
 
-    auto* splitter = new QSplitter(Qt::Horizontal, this);
-    splitter->setObjectName(QStringLiteral("scannerSplitter"));
-    splitter->addWidget(tests_);
-    splitter->addWidget(resultsSide);
-    splitter->setStretchFactor(1, 1);
-    splitter->setSizes({160, 640});
+    scannerSplitter_ = new QSplitter(Qt::Horizontal, this);
+    scannerSplitter_->setObjectName(QStringLiteral("scannerSplitter"));
+    scannerSplitter_->addWidget(tests_);
+    scannerSplitter_->addWidget(resultsSide);
+    scannerSplitter_->setStretchFactor(1, 1);
+    scannerSplitter_->setSizes({160, 640});
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(controls_);
-    layout->addWidget(splitter, 1);
+    layout->addWidget(scannerSplitter_, 1);
+}
+
+namespace {
+
+const QString scannerSplitterKey = QStringLiteral("scannerSplitterState");
+const QString resultsSplitterKey = QStringLiteral("resultsSplitterState");
+const QString resultsHeaderKey = QStringLiteral("resultsHeaderState");
+
+QString encoded(const QByteArray& state) { return QString::fromLatin1(state.toBase64()); }
+QByteArray decoded(const QVariant& value) { return QByteArray::fromBase64(value.toString().toLatin1()); }
+
+} // namespace
+
+void ScannerTab::saveLayout(core::UserSettings& settings) const
+{
+    settings.setValue(scannerSplitterKey, encoded(scannerSplitter_->saveState()));
+    settings.setValue(resultsSplitterKey, encoded(resultsSplitter_->saveState()));
+    settings.setValue(resultsHeaderKey, encoded(table_->horizontalHeader()->saveState()));
+}
+
+void ScannerTab::restoreLayout(const core::UserSettings& settings)
+{
+    // A state that does not fit (another set of visible columns, a damaged value) is refused by
+    // Qt and the default layout stays.
+    scannerSplitter_->restoreState(decoded(settings.value(scannerSplitterKey)));
+    resultsSplitter_->restoreState(decoded(settings.value(resultsSplitterKey)));
+    if (table_->horizontalHeader()->restoreState(decoded(settings.value(resultsHeaderKey))))
+        table_->keepColumnWidths();
 }
 
 void ScannerTab::setGraphPane(QWidget* pane)

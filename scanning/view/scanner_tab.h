@@ -49,6 +49,11 @@ public:
     ResultsTableView* resultsView() const { return table_; }
     ExportMenu* exporter() const { return export_; }
 
+    // The splitters' positions and the table's column order and widths, kept in the user
+    // settings so the next launch opens as this one was left.
+    void saveLayout(core::UserSettings& settings) const;
+    void restoreLayout(const core::UserSettings& settings);
+
 public slots:
     // The "fontSize" setting changed.
     void applyFontSize();
@@ -57,6 +62,7 @@ signals:
     void statusMessage(const QString& text);
     // A row was opened anywhere but its tag: the samples window shows the network's history.
     void samplesWindowRequested(const QString& header, const QList<scan::ScanedResultInfo>& history);
+
 
 private:
     void showAlert(const QString& messageText, const QString& informativeText);
@@ -67,6 +73,7 @@ private:
     ResultsTableView* table_;
     ExportMenu* export_;
     QSplitter* resultsSplitter_ = nullptr;
+    QSplitter* scannerSplitter_ = nullptr;
 };
 
 } // namespace scanning::view

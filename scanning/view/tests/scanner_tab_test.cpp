@@ -310,3 +310,23 @@ TEST_F(ScannerTabTest, ExportWritesOffTheGuiThreadAndReportsAMissingSelection)
 }
 
 } // namespace
+
+// The next launch opens with the columns where the user put them and as wide as they were
+// left; the first scan does not fit them again.
+TEST_F(ScannerTabTest, ColumnOrderAndWidthsSurviveARestart)
+{
+    QHeaderView* header = tab.resultsView()->horizontalHeader();
+    const int channel = items().columnOf(QStringLiteral("channel"));
+    header->moveSection(header->visualIndex(channel), 1);
+    header->resizeSection(channel, 211);
+    tab.saveLayout(settings);
+
+    scanning::ResultsTableModel nextResults{settings};
+    scanning::view::ScannerTab next{driver, nextResults, settings};
+    next.restoreLayout(settings);
+    driver.setResultsListener(&nextResults);
+    start();
+    QHeaderView* restored = next.resultsView()->horizontalHeader();
+    EXPECT_EQ(restored->visualIndex(channel), 1);
+    EXPECT_EQ(restored->sectionSize(channel), 211);
+}
