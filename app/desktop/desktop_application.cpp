@@ -214,7 +214,12 @@ void DesktopApplication::startSensorListener()
 
 void DesktopApplication::addSensorListenerTab()
 {
-    mainWindow_->addTab(new sensor::view::SensorListenerTab(*sensorListener_), tr("Sensor Listener"));
+    auto* listenerTab = new sensor::view::SensorListenerTab(*sensorListener_);
+    mainWindow_->addTab(listenerTab, tr("Sensor Listener"));
+    connect(mainWindow_.get(), &ScanMainWindow::settingChanged, listenerTab, [listenerTab](const QString& key) {
+        if (key == QLatin1String(GeneralPreferences::listenerPortKey) || key == QLatin1String(GeneralPreferences::logFolderKey))
+            listenerTab->readSettings();
+    });
 }
 
 void DesktopApplication::showModeAlert(const QString& messageText)

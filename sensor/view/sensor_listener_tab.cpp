@@ -89,8 +89,7 @@ SensorListenerTab::SensorListenerTab(sensor::SensorListenerSession& session, QWi
 
     logFilePathTextField_->setReadOnly(true);
     logFilePathTextField_->setPlaceholderText(tr("No folder chosen"));
-    logFilePathTextField_->setText(QDir::toNativeSeparators(SensorLogFile::folderForSetting(
-        session_.settings().value(QLatin1String(SensorLogFile::folderSettingKey)))));
+    readSettings();
     auto* folderLabel = named(new QLabel(tr("Log &folder:"), this), "logFolderLabel", tr("Log folder"));
     folderLabel->setBuddy(logFilePathTextField_);
     auto* chooseButton = named(new QPushButton(tr("&Choose…"), this), "openFileDialogButton", tr("Choose log folder"));
@@ -142,6 +141,17 @@ SensorListenerTab::SensorListenerTab(sensor::SensorListenerSession& session, QWi
 
     showButtons();
     showServerIPLabel();
+}
+
+void SensorListenerTab::readSettings()
+{
+    logFilePathTextField_->setText(QDir::toNativeSeparators(SensorLogFile::folderForSetting(
+        session_.settings().value(QLatin1String(SensorLogFile::folderSettingKey)))));
+    // A running listener keeps its port; the field follows once it stops.
+    const std::optional<int> port = sensor::SensorListenerController::portForSetting(
+        session_.settings().value(QLatin1String(sensor::SensorListenerController::portSettingKey)));
+    if (port && udpListenerPortTextField_->isEnabled())
+        udpListenerPortTextField_->setValue(*port);
 }
 
 void SensorListenerTab::setLogFolder(const QString& folder)

@@ -36,6 +36,10 @@ public:
 
     SensorLogView* logView() const { return logView_; }
 
+public slots:
+    // The preferences wrote the port or the log folder: the fields show the new values.
+    void readSettings();
+
 private:
     void openFileDialogButtonClicked();
     void showButtons();

@@ -148,6 +148,10 @@ TEST_F(SensorListenerTabTest, ChosenFolderIsStoredAndReceivesTheLogAtTheEnd)
     child<QPushButton>("openFileDialogButton")->click();
     EXPECT_EQ(settings.value(folderKey).toString(), QUrl::fromLocalFile(folder.path()).toString());
     EXPECT_EQ(child<QLineEdit>("logFilePathTextField")->text(), QDir::toNativeSeparators(folder.path()));
+    // The preferences write the same settings; the fields follow when told.
+    settings.setValue(QStringLiteral("udp_listener_port"), QStringLiteral("6001"));
+    tab.readSettings();
+    EXPECT_EQ(child<QSpinBox>("udpListenerPortTextField")->value(), 6001);
 
     const quint16 port = start("udpListenerType");
     QUdpSocket phone;
