@@ -6,6 +6,7 @@
 // Each run has a home folder of its own, so the user's settings and database stay untouched.
 #include "app/desktop/desktop_application.h"
 #include "app/desktop/desktop_arguments.h"
+#include "app/desktop/memory_arenas.h"
 #include "core/memory_settings.h"
 #include "graphs/color_codes_manager.h"
 #include "graphs/graph_view_tab_set.h"
@@ -171,6 +172,7 @@ int measureMemory(int accessPoints, int scans, const QTemporaryDir& home)
 
 int main(int argc, char* argv[])
 {
+    app::desktop::limitMemoryArenas();
     QTemporaryDir home;
     qputenv("HOME", home.path().toLocal8Bit());
     qputenv("XDG_CONFIG_HOME", home.filePath(QStringLiteral("config")).toLocal8Bit());

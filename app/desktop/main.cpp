@@ -1,4 +1,5 @@
 #include "app/desktop/desktop_application.h"
+#include "app/desktop/memory_arenas.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -7,6 +8,7 @@
 
 int main(int argc, char* argv[])
 {
+    app::desktop::limitMemoryArenas();
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Skyvane"));
     QApplication::setOrganizationName(QStringLiteral("Skyvane"));
