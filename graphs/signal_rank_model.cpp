@@ -44,12 +44,26 @@ void SignalRankModel::removePlotFromGraph(const QString& bssid)
 
 void SignalRankModel::sortScanResultsByRSSI()
 {
+    orderStale_ = true;
+    emit changed();
+}
+
+void SignalRankModel::sortIfStale() const
+{
+    if (!orderStale_)
+        return;
+    orderStale_ = false;
     graphDataArray_ = graphDataDictionary_.values();
     // The map hands the records over in BSSID order, so ties stay in that order.
     std::stable_sort(graphDataArray_.begin(), graphDataArray_.end(),
                      [](const scan::ScanedResultInfo& a, const scan::ScanedResultInfo& b) { return a.rssi > b.rssi; });
     xLength_ = static_cast<double>(graphDataArray_.size()) + emptySlots;
-    emit changed();
+}
+
+const QList<scan::ScanedResultInfo>& SignalRankModel::graphDataArray() const
+{
+    sortIfStale();
+    return graphDataArray_;
 }
 
 void SignalRankModel::reloadGraph(const scanning::WiFiScanTest* test)
@@ -78,6 +92,7 @@ void SignalRankModel::clearGraph()
 {
     graphDataDictionary_.clear();
     graphDataArray_.clear();
+    orderStale_ = false;
     visibleBSSID_.clear();
     hoverBSSID_.clear();
     activeBSSID_.clear();
@@ -88,15 +103,17 @@ void SignalRankModel::scanDidStartedByUser(const scanning::WiFiScanTest& test) {
 
 void SignalRankModel::hoverBar(int index)
 {
-    hoverBSSID_ = index >= 0 && index < graphDataArray_.size() ? graphDataArray_.at(index).bssid : QString();
+    const QList<scan::ScanedResultInfo>& ranked = graphDataArray();
+    hoverBSSID_ = index >= 0 && index < ranked.size() ? ranked.at(index).bssid : QString();
     emit changed();
 }
 
 std::optional<ColourCode> SignalRankModel::barFill(int index) const
 {
-    if (index < 0 || index >= graphDataArray_.size())
+    const QList<scan::ScanedResultInfo>& ranked = graphDataArray();
+    if (index < 0 || index >= ranked.size())
         return std::nullopt;
-    const scan::ScanedResultInfo& bar = graphDataArray_.at(index);
+    const scan::ScanedResultInfo& bar = ranked.at(index);
     const auto ssidOf = [this](const QString& bssid) -> std::optional<QString> {
         const auto it = graphDataDictionary_.constFind(bssid);
         return bssid.isEmpty() || it == graphDataDictionary_.cend() ? std::nullopt : std::optional(it->ssid);
@@ -119,8 +136,9 @@ std::optional<ColourCode> SignalRankModel::barFill(int index) const
 QList<RankBar> SignalRankModel::bars() const
 {
     QList<RankBar> bars;
-    for (int i = 0; i < graphDataArray_.size(); ++i) {
-        const scan::ScanedResultInfo& record = graphDataArray_.at(i);
+    const QList<scan::ScanedResultInfo>& ranked = graphDataArray();
+    for (int i = 0; i < ranked.size(); ++i) {
+        const scan::ScanedResultInfo& record = ranked.at(i);
         bars.append(RankBar{record.bssid, static_cast<double>(i), static_cast<double>(record.rssi), *barFill(i)});
     }
     return bars;
@@ -142,6 +160,7 @@ RankLabels SignalRankModel::labels() const
 GraphLayout SignalRankModel::layout() const
 {
     GraphLayout layout;
+    sortIfStale();
     layout.xRange = ValueRange{0.0, xLength_};
     layout.plotAreaPadding = Padding{15.0, 15.0, 30.0, 55.0};
     layout.xAxis = AxisSpec{QStringLiteral("Found Networks"), 0.0, 0.0, 1.0, {}};

@@ -67,7 +67,7 @@ public:
     void hoverBar(int index);
 
     // Records by signal, strongest first; equal signals in BSSID order.
-    const QList<scan::ScanedResultInfo>& graphDataArray() const { return graphDataArray_; }
+    const QList<scan::ScanedResultInfo>& graphDataArray() const;
     QList<RankBar> bars() const;
     std::optional<ColourCode> barFill(int index) const;
     RankLabels labels() const;
@@ -79,14 +79,18 @@ signals:
     void changed();
 
 private:
+    // Marks the order stale: a scan adds or updates every network one by one, and sorting after
+    // each would cost the GUI thread seconds with thousands of networks. Readers sort once.
     void sortScanResultsByRSSI();
+    void sortIfStale() const;
     QString labelFor(const QString& bssid) const;
 
     GraphTheme theme_;
     // Room for nearly sixty bars until the first network arrives.
-    double xLength_ = 59.0;
+    mutable double xLength_ = 59.0;
     QMap<QString, scan::ScanedResultInfo> graphDataDictionary_;
-    QList<scan::ScanedResultInfo> graphDataArray_;
+    mutable QList<scan::ScanedResultInfo> graphDataArray_;
+    mutable bool orderStale_ = false;
     QString testActiveBSSID_;
     QString visibleBSSID_;
     QString hoverBSSID_;
