@@ -16,6 +16,8 @@ allowed() {
         scanning/view) echo "core platform/api scan scanning" ;;
         scanning|sensor) echo "core platform/api scan" ;;
         graphs) echo "core platform/api scan scanning" ;;
+        interface) echo "core platform/api scan scanning" ;;
+        interface/view) echo "core platform/api scan scanning interface" ;;
         testsupport) echo "core platform/api scan scanning" ;;
         app/*) echo "*" ;;
         *) echo "?" ;;
@@ -24,14 +26,14 @@ allowed() {
 
 layer_of() {
     case $1 in
-        platform/*/*|app/*/*|scanning/view/*) echo "$1" | cut -d/ -f1-2 ;;
+        platform/*/*|app/*/*|scanning/view/*|interface/view/*) echo "$1" | cut -d/ -f1-2 ;;
         */*) echo "$1" | cut -d/ -f1 ;;
         *) echo "" ;;
     esac
 }
 
 status=0
-for file in $(find core platform scan scanning graphs sensor testsupport app \
+for file in $(find core platform scan scanning graphs interface sensor testsupport app \
         \( -name tests -prune \) -o \( -name '*.h' -o -name '*.cpp' \) -print 2>/dev/null | sort); do
     own=$(layer_of "$file")
     rules=$(allowed "$own")
