@@ -76,7 +76,12 @@ struct NmTimeouts {
     int queryMs = 5000;
     // Calls NetworkManager may hold while a polkit agent asks the user to authenticate.
     int authorisedActionMs = 90000;
+    // From accepting a profile to the link being up: association, authentication and DHCP.
+    int activationMs = 45000;
 };
+
+// NetworkManager's reason for a device's last state change (NMDeviceStateReason) in words.
+QString nmDeviceStateReasonText(uint reason);
 
 class NetworkManagerClient : public QObject {
     Q_OBJECT
@@ -110,8 +115,9 @@ public:
 
     // Leaves the current network and keeps the device from rejoining on its own.
     MaybeError disconnectDevice(const QString& devicePath);
-    // Creates a profile limited to the current user and activates it; success means that
-    // NetworkManager accepted it, not that the link is up yet.
+    // Creates a profile limited to the current user and activates it; success means the
+    // connection reached "activated". On failure the profile made for it is deleted again, so
+    // a failed join leaves nothing behind; profiles that existed before are never touched.
     MaybeError connectToNetwork(const NmConnectRequest& request);
     // An ad-hoc network on a 2.4 or 5 GHz channel; security is Open, Wep or WpaPersonal.
     MaybeError startAdHoc(const QString& devicePath, const QByteArray& ssid, int channel,
@@ -138,6 +144,8 @@ private:
                                 const QVariantList& arguments, int timeoutMs) const;
     MaybeError addAndActivate(const NmConnectionSettings& settings, const QString& devicePath,
                               const QString& specificObject);
+    // Polls the active connection until it is activated, gone or deactivated, or time is up.
+    MaybeError waitForActivation(const QString& activePath, const QString& devicePath, const QString& ssidText);
     NmResult<NmConnectionSettings> connectionSettings(const QString& connectionPath) const;
     NmResult<NmConnectionSettings> connectionSecrets(const QString& connectionPath, const QString& setting) const;
 

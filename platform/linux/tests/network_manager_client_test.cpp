@@ -84,6 +84,10 @@ public:
     QString activatedDevice;
     QString activatedSpecificObject;
     QDBusArgument scanSsids;
+    uint activationState = 2;  // activated
+    uint deviceReason = 0;
+    QStringList deleted;
+    QStringList deactivated;
 
     QString introspect(const QString&) const override { return {}; }
 
@@ -115,6 +119,14 @@ public:
         }
         if (member == "Disconnect")
             return reply({});
+        if (member == "DeactivateConnection") {
+            deactivated.append(qdbus_cast<QDBusObjectPath>(args.value(0)).path());
+            return reply({});
+        }
+        if (member == "Delete") {
+            deleted.append(m.path());
+            return reply({});
+        }
         if (member == "AddAndActivateConnection") {
             activated = qdbus_cast<NmConnectionSettings>(args.value(0));
             activatedDevice = qdbus_cast<QDBusObjectPath>(args.value(1)).path();
@@ -145,7 +157,15 @@ private:
         QVariantMap values;
         if (m.path() == managerPath)
             values = {{"WirelessEnabled", wirelessEnabled}};
-        else if (interfaceName == wirelessInterface)
+        else if (interfaceName == "org.freedesktop.NetworkManager.Connection.Active")
+            values = {{"State", activationState}};
+        else if (m.member() == "Get" && m.arguments().value(1).toString() == "StateReason") {
+            QDBusArgument reason;
+            reason.beginStructure();
+            reason << 120u << deviceReason;
+            reason.endStructure();
+            values = {{"StateReason", QVariant::fromValue(reason)}};
+        } else if (interfaceName == wirelessInterface)
             values = {{"LastScan", lastScan}};
         else
             values = {{"DeviceType", m.path() == wifiDevice ? 2u : 1u}};
@@ -202,7 +222,7 @@ protected:
         thread_.start();
         ASSERT_TRUE(serviceBus.registerService(nmService));
         client_ = std::make_unique<NetworkManagerClient>(QDBusConnection::connectToBus(PrivateBus::address, "client"),
-                                                         nmService, NmTimeouts{2000, 2000});
+                                                         nmService, NmTimeouts{2000, 2000, 800});
     }
     void TearDown() override
     {
@@ -257,6 +277,41 @@ TEST_F(NetworkManagerClientTest, ProfilesItCreatesCarryExactTypesAndStayPrivateT
             EXPECT_EQ(s["802-1x"]["anonymous-identity"].toString(), "anonymous");
             EXPECT_EQ(s["802-1x"]["password"].toString(), "correct horse");
         }
+    }
+}
+
+TEST_F(NetworkManagerClientTest, JoinWaitsForActivationAndRemovesTheProfileOfAFailedJoin)
+{
+    struct Case {
+        uint state;
+        uint reason;
+        QString words;  // empty: joined
+    };
+    const QList<Case> cases{{2, 0, ""},
+                            {4, 8, "wrong password"},
+                            {4, 7, "no secrets"},
+                            {4, 53, "network not found"},
+                            {1, 0, "NetworkManager did not finish connecting in time"}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.words.toStdString());
+        {
+            std::lock_guard lock(fake_.mutex);
+            fake_.activationState = c.state;
+            fake_.deviceReason = c.reason;
+            fake_.deleted.clear();
+        }
+        const MaybeError error = client_->connectToNetwork(request(NmSecurityKind::WpaPersonal));
+        std::lock_guard lock(fake_.mutex);
+        if (c.words.isEmpty()) {
+            EXPECT_EQ(error, std::nullopt);
+            EXPECT_TRUE(fake_.deleted.isEmpty());
+            continue;
+        }
+        ASSERT_TRUE(error.has_value());
+        EXPECT_EQ(error->failureReason, c.words);
+        EXPECT_TRUE(error->description.endsWith(": " + c.words + ".")) << error->description.toStdString();
+        EXPECT_EQ(fake_.deleted, QStringList{managerPath + "/Settings/9"});
+        EXPECT_EQ(fake_.deactivated.last(), managerPath + "/ActiveConnection/1");
     }
 }
 
