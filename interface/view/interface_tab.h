@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QWidget>
+
+#include <functional>
+
+class QAbstractButton;
+class QAction;
+class QButtonGroup;
+class QComboBox;
+class QFormLayout;
+class QLabel;
+class QPushButton;
+class QVBoxLayout;
+
+namespace connection {
+class InterfaceInfoController;
+}
+
+namespace connection::view {
+
+// The "Connected SSID" tab: the interface popup, power and disconnect, the fields of the
+// current link, and the actions that open the ad-hoc sheet and write the connected report.
+class InterfaceTab : public QWidget {
+    Q_OBJECT
+public:
+    static constexpr const char* identifier = "INTERFACE_INFO";
+
+    InterfaceTab(InterfaceInfoController& controller, const QStringList& interfaceNames, QWidget* parent = nullptr);
+
+    // "connectedSSIDReportItem": shown only while this tab is.
+    QAction* reportAction() const { return reportAction_; }
+    QAction* createNetworkAction() const { return createNetworkAction_; }
+    // Where the graph goes; empty until one is added.
+    QVBoxLayout* graphArea() const { return graphArea_; }
+    QString fieldText(const QString& objectName) const;
+
+signals:
+    void interfaceChosen(const QString& name);
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    void showFields();
+    QLabel* addField(QFormLayout* form, const QString& objectName, const QString& title);
+
+    InterfaceInfoController& controller_;
+    QComboBox* interfacePopup_;
+    QButtonGroup* powerGroup_;
+    QPushButton* disconnectButton_;
+    QAction* reportAction_;
+    QAction* createNetworkAction_;
+    QVBoxLayout* graphArea_;
+    QList<std::pair<QLabel*, std::function<QString()>>> fields_;
+};
+
+} // namespace connection::view
