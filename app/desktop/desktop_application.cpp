@@ -1,6 +1,7 @@
 #include "app/desktop/desktop_application.h"
 
 #include "app/cli/cli_arguments.h"
+#include "app/desktop/connected_ssid_tab.h"
 #include "app/desktop/general_preferences.h"
 #include "app/desktop/interface_state_reactions.h"
 #include "app/desktop/review_window.h"
@@ -16,6 +17,7 @@
 #include "scanning/results_table_model.h"
 #include "scanning/scan_database.h"
 #include "scanning/scan_test_driver.h"
+#include "scanning/channel_info_refresher.h"
 #include "scanning/timer_source.h"
 #include "scanning/view/scanner_tab.h"
 
@@ -94,6 +96,14 @@ bool DesktopApplication::launch()
 
     auto* tab = new scanning::view::ScannerTab(*driver_, *results_, parts_->settings);
     mainWindow_ = std::make_unique<ScanMainWindow>(tab, parts_->settings, parts_->backend.statusText);
+    connectedSsid_ = std::make_unique<ConnectedSsidTab>(
+        ConnectedSsidTab::Services{parts_->backend.client, parts_->backend.interface, parts_->timers, parts_->commands,
+                                   scanning::toolCommandLine(QDir(QCoreApplication::applicationDirPath())
+                                                                 .filePath(QStringLiteral("skyvane-cli")),
+                                                             app::cli::backendArguments(arguments_.backend)) +
+                                       QStringLiteral(" -I"),
+                                   *driver_, *results_, parts_->events},
+        *mainWindow_);
     mainWindow_->restoreWindowState();
     connect(mainWindow_.get(), &ScanMainWindow::settingChanged, tab, [tab](const QString& key) {
         if (key == QLatin1String(GeneralPreferences::fontSizeKey))
@@ -168,6 +178,7 @@ void DesktopApplication::terminate()
     driver_->cancelButtonPressed();
     driver_->waitForBackgroundWork();
     mainWindow_->saveWindowState();
+    connectedSsid_.reset();
     mainWindow_->hide();
     database_->close();
     emit terminated();

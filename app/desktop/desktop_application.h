@@ -30,6 +30,7 @@ class SettingsStore;
 // results model, events and windows in launch order, and runs the quit sequence.
 namespace app::desktop {
 
+class ConnectedSsidTab;
 class InterfaceStateReactions;
 class ScanMainWindow;
 class WiFiTurnedOffWindow;
@@ -52,6 +53,7 @@ public:
     InterfaceStateReactions* interfaceReactions() const { return reactions_; }
     WiFiTurnedOffWindow* wifiTurnedOffWindow() const { return turnWiFiOnOffWindow_; }
     ReviewWindow* reviewWindow() const { return reivewController_; }
+    ConnectedSsidTab* connectedSsidTab() const { return connectedSsid_.get(); }
     QString backendStatus() const;
     std::shared_ptr<platform::WirelessInterface> currentInterface() const;
 
@@ -76,6 +78,7 @@ private:
     std::unique_ptr<scanning::ResultsTableModel> results_;
     std::unique_ptr<QuitSequence> quit_;
     std::unique_ptr<ScanMainWindow> mainWindow_;
+    std::unique_ptr<ConnectedSsidTab> connectedSsid_;
     InterfaceStateReactions* reactions_ = nullptr;
     WiFiTurnedOffWindow* turnWiFiOnOffWindow_ = nullptr;
     QPointer<ReviewWindow> reivewController_;

@@ -9,6 +9,8 @@
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QImage>
+#include <QPixmap>
 #include <QLabel>
 #include <QPushButton>
 #include <QShowEvent>
@@ -32,7 +34,7 @@ InterfaceTab::InterfaceTab(InterfaceInfoController& controller, const QStringLis
     : QWidget(parent), controller_(controller), interfacePopup_(new QComboBox), powerGroup_(new QButtonGroup(this)),
       disconnectButton_(new QPushButton(tr("Disconnect"))),
       reportAction_(new QAction(tr("Export Connected SSID Report…"), this)),
-      createNetworkAction_(new QAction(tr("Create Network…"), this)), graphArea_(new QVBoxLayout)
+      createNetworkAction_(new QAction(tr("Create Network…"), this)), graphHost_(new QWidget)
 {
     setObjectName(QLatin1String(identifier));
     setAccessibleName(tr("Connected SSID"));
@@ -110,7 +112,10 @@ InterfaceTab::InterfaceTab(InterfaceInfoController& controller, const QStringLis
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(bar);
     layout->addLayout(boxes);
-    layout->addLayout(graphArea_, 1);
+    graphHost_->setObjectName(QStringLiteral("hostViewForInterfaceTab"));
+    graphHost_->setAccessibleName(tr("Signal and noise graph"));
+    graphHost_->setMinimumHeight(220);
+    layout->addWidget(graphHost_, 1);
 
     connect(&controller_, &InterfaceInfoController::fieldsChanged, this, &InterfaceTab::showFields);
     connect(&controller_, &InterfaceInfoController::reportItemVisibleChanged, reportAction_, &QAction::setVisible);
@@ -131,6 +136,11 @@ QLabel* InterfaceTab::addField(QFormLayout* form, const QString& objectName, con
     value->setAccessibleName(QString(title).remove(QLatin1Char(':')));
     form->addRow(title, value);
     return value;
+}
+
+QImage InterfaceTab::graphImage() const
+{
+    return graphHost_->grab().toImage();
 }
 
 QString InterfaceTab::fieldText(const QString& objectName) const

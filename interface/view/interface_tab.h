@@ -11,7 +11,7 @@ class QComboBox;
 class QFormLayout;
 class QLabel;
 class QPushButton;
-class QVBoxLayout;
+class QImage;
 
 namespace connection {
 class InterfaceInfoController;
@@ -31,8 +31,8 @@ public:
     // "connectedSSIDReportItem": shown only while this tab is.
     QAction* reportAction() const { return reportAction_; }
     QAction* createNetworkAction() const { return createNetworkAction_; }
-    // Where the graph goes; empty until one is added.
-    QVBoxLayout* graphArea() const { return graphArea_; }
+    // The graph's picture, as the connected report embeds it.
+    QImage graphImage() const;
     QString fieldText(const QString& objectName) const;
 
 signals:
@@ -52,7 +52,7 @@ private:
     QPushButton* disconnectButton_;
     QAction* reportAction_;
     QAction* createNetworkAction_;
-    QVBoxLayout* graphArea_;
+    QWidget* graphHost_;
     QList<std::pair<QLabel*, std::function<QString()>>> fields_;
 };
 
