@@ -16,8 +16,10 @@ allowed() {
         scanning/view) echo "core platform/api scan scanning" ;;
         scanning|sensor) echo "core platform/api scan" ;;
         graphs) echo "core platform/api scan scanning" ;;
+        graphs/view) echo "core platform/api scan scanning graphs plot" ;;
+        plot) echo "" ;;
         interface) echo "core platform/api scan scanning" ;;
-        interface/view) echo "core platform/api scan scanning interface" ;;
+        interface/view) echo "core platform/api scan scanning interface plot" ;;
         testsupport) echo "core platform/api scan scanning" ;;
         app/*) echo "*" ;;
         *) echo "?" ;;
@@ -26,14 +28,14 @@ allowed() {
 
 layer_of() {
     case $1 in
-        platform/*/*|app/*/*|scanning/view/*|interface/view/*) echo "$1" | cut -d/ -f1-2 ;;
+        platform/*/*|app/*/*|scanning/view/*|graphs/view/*|interface/view/*) echo "$1" | cut -d/ -f1-2 ;;
         */*) echo "$1" | cut -d/ -f1 ;;
         *) echo "" ;;
     esac
 }
 
 status=0
-for file in $(find core platform scan scanning graphs interface sensor testsupport app \
+for file in $(find core platform plot scan scanning graphs interface sensor testsupport app \
         \( -name tests -prune \) -o \( -name '*.h' -o -name '*.cpp' \) -print 2>/dev/null | sort); do
     own=$(layer_of "$file")
     rules=$(allowed "$own")

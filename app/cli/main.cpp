@@ -7,10 +7,14 @@
 #include "app/settings/settings_store.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QLoggingCategory>
 #include <QStringList>
 
 #include <cstdio>
+#include <cstring>
+#include <memory>
+#include <vector>
 
 namespace {
 
@@ -30,11 +34,30 @@ void printUsage(std::FILE* stream)
     std::fputs(app::cli::sensorSendUsage().toUtf8().constData(), stream);
 }
 
+// A report with graphs paints pictures, which needs fonts and so a GUI application; it runs on
+// the offscreen platform so that it works without a display (over SSH, on a headless board).
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char* argv[], std::vector<char*>& withPlatform)
+{
+    bool paints = false;
+    for (int i = 1; i < argc; ++i)
+        paints = paints || std::strcmp(argv[i], "html-graphs") == 0;
+    if (!paints)
+        return std::make_unique<QCoreApplication>(argc, argv);
+    static char platformOption[] = "-platform";
+    static char offscreen[] = "offscreen";
+    withPlatform.assign(argv, argv + argc);
+    withPlatform.insert(withPlatform.begin() + 1, {platformOption, offscreen});
+    withPlatform.push_back(nullptr);
+    argc += 2;
+    return std::make_unique<QGuiApplication>(argc, withPlatform.data());
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
-    QCoreApplication app(argc, argv);
+    std::vector<char*> platformArguments;
+    const std::unique_ptr<QCoreApplication> app = makeApplication(argc, argv, platformArguments);
     QCoreApplication::setApplicationName(QStringLiteral("skyvane-cli"));
 
     QStringList arguments = QCoreApplication::arguments().mid(1);

@@ -5,6 +5,9 @@
 #include "app/cli/json_writer.h"
 #include "app/cli/scan_output.h"
 #include "core/settings_overlay.h"
+#include "graphs/color_codes_manager.h"
+#include "graphs/graph_view_tab_set.h"
+#include "graphs/view/report_graph_images.h"
 #include "scanning/results_table_model.h"
 #include "scanning/scan_database.h"
 #include "scanning/scan_test_driver.h"
@@ -67,7 +70,7 @@ private:
 };
 
 int exportTest(const ScanRequest& request, const scanning::ScanTestDriver& driver, const core::UserSettings& settings,
-               std::FILE* err)
+               const scanning::ReportGraphs& graphs, std::FILE* err)
 {
     QList<scanning::WiFiScanTest*> tests;
     for (const auto& test : driver.wifiScanTestArray())
@@ -75,7 +78,7 @@ int exportTest(const ScanRequest& request, const scanning::ScanTestDriver& drive
     platform::SystemClock clock;
     const scanning::ScanExporter::Result result = scanning::ScanExporter(clock, settings).startExporting(
         *request.exportKind, scanning::ScanExporter::destinationPath(request.exportFile), tests,
-        tests.isEmpty() ? nullptr : tests.first());
+        tests.isEmpty() ? nullptr : tests.first(), graphs);
     if (!result.statusText.isEmpty())
         writeText(err, QStringLiteral("skyvane-cli: %1\n").arg(result.statusText));
     if (!result.failureReason.isEmpty())
@@ -116,6 +119,14 @@ int runScan(const ScanRequest& request, core::UserSettings& userSettings, std::F
     // The results view's model keeps the rows in its order (by name, A to Z, unless told otherwise).
     scanning::ResultsTableModel table(settings);
     driver.setResultsListener(&table);
+    // A report with graphs draws them as the desktop does, from the same calls of the table.
+    std::unique_ptr<graphs::GraphViewTabSet> graphTabs;
+    std::unique_ptr<graphs::view::ReportGraphImages> graphImages;
+    if (request.exportKind == scanning::ScanExporter::SelectedTestHtmlWithGraphs) {
+        graphTabs = std::make_unique<graphs::GraphViewTabSet>(graphs::ColorCodesManager::sharedColorManager(), settings);
+        graphImages = std::make_unique<graphs::view::ReportGraphImages>(*graphTabs);
+        table.setGraphSink(graphTabs.get());
+    }
 
     QEventLoop loop;
     bool stopping = false;
@@ -191,7 +202,12 @@ int runScan(const ScanRequest& request, core::UserSettings& userSettings, std::F
     loop.exec();
     driver.waitForBackgroundWork();
 
-    const int exported = request.exportKind ? exportTest(request, driver, settings, err) : 0;
+    scanning::ReportGraphs graphs;
+    if (graphImages) {
+        graphImages->refresh();
+        graphs = graphImages->reportGraphs();
+    }
+    const int exported = request.exportKind ? exportTest(request, driver, settings, graphs, err) : 0;
     return failed ? 1 : exported;
 }
 

@@ -11,6 +11,9 @@
 #include "app/events/scanner_events.h"
 #include "app/settings/settings_store.h"
 #include "graphs/color_codes_manager.h"
+#include "graphs/graph_view_tab_set.h"
+#include "graphs/view/graph_tab_widget.h"
+#include "graphs/view/report_graph_images.h"
 #include "platform/api/clock.h"
 #include "platform/api/command_runner.h"
 #include "scan/value_transformers.h"
@@ -19,6 +22,7 @@
 #include "scanning/scan_test_driver.h"
 #include "scanning/channel_info_refresher.h"
 #include "scanning/timer_source.h"
+#include "scanning/view/export_menu.h"
 #include "scanning/view/scanner_tab.h"
 
 #include <QCoreApplication>
@@ -89,12 +93,17 @@ bool DesktopApplication::launch()
         parts_->backend.interface, *database_, parts_->settings, parts_->timers, parts_->commands,
         QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("skyvane-cli")),
         app::cli::backendArguments(arguments_.backend));
-    results_ = std::make_unique<scanning::ResultsTableModel>(parts_->settings);
+    graphs_ = std::make_unique<graphs::GraphViewTabSet>(graphs::ColorCodesManager::sharedColorManager(), parts_->settings);
+    results_ = std::make_unique<scanning::ResultsTableModel>(parts_->settings, graphs_.get());
     driver_->setResultsListener(results_.get());
     app::connectScanTestDriver(parts_->events, *driver_);
     // The scanner tab shows the driver's alerts and database failures itself.
 
     auto* tab = new scanning::view::ScannerTab(*driver_, *results_, parts_->settings);
+    graphTabs_ = new graphs::view::GraphTabWidget(*graphs_, tab);
+    tab->setGraphPane(graphTabs_);
+    reportImages_ = std::make_unique<graphs::view::ReportGraphImages>(*graphs_);
+    tab->exporter()->setReportGraphs(reportImages_->reportGraphs());
     mainWindow_ = std::make_unique<ScanMainWindow>(tab, parts_->settings, parts_->backend.statusText);
     connectedSsid_ = std::make_unique<ConnectedSsidTab>(
         ConnectedSsidTab::Services{parts_->backend.client, parts_->backend.interface, parts_->timers, parts_->commands,
@@ -105,9 +114,11 @@ bool DesktopApplication::launch()
                                    *driver_, *results_, parts_->events},
         *mainWindow_);
     mainWindow_->restoreWindowState();
-    connect(mainWindow_.get(), &ScanMainWindow::settingChanged, tab, [tab](const QString& key) {
+    connect(mainWindow_.get(), &ScanMainWindow::settingChanged, tab, [this, tab](const QString& key) {
         if (key == QLatin1String(GeneralPreferences::fontSizeKey))
             tab->applyFontSize();
+        if (key == QLatin1String(graphs::gridLinesSettingKey) || key == QLatin1String(graphs::rssiValuesSettingKey))
+            graphs_->refreshSettings();
     });
     quit_ = std::make_unique<QuitSequence>(parts_->settings);
     connect(mainWindow_.get(), &ScanMainWindow::closeRequested, this, [this] { quitDecided(quit_->close()); });

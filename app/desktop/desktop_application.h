@@ -25,6 +25,13 @@ class ScanDatabase;
 class ScanTestDriver;
 }
 class SettingsStore;
+namespace graphs {
+class GraphViewTabSet;
+}
+namespace graphs::view {
+class GraphTabWidget;
+class ReportGraphImages;
+}
 
 // The skyvane program's composition root: builds the backend, settings, database, scan driver,
 // results model, events and windows in launch order, and runs the quit sequence.
@@ -51,6 +58,7 @@ public:
     scanning::ScanTestDriver* driver() const { return driver_.get(); }
     scanning::ResultsTableModel* results() const { return results_.get(); }
     InterfaceStateReactions* interfaceReactions() const { return reactions_; }
+    graphs::view::GraphTabWidget* graphTabs() const { return graphTabs_; }
     WiFiTurnedOffWindow* wifiTurnedOffWindow() const { return turnWiFiOnOffWindow_; }
     ReviewWindow* reviewWindow() const { return reivewController_; }
     ConnectedSsidTab* connectedSsidTab() const { return connectedSsid_.get(); }
@@ -75,11 +83,14 @@ private:
     std::unique_ptr<Parts> parts_;
     std::unique_ptr<scanning::ScanDatabase> database_;
     std::unique_ptr<scanning::ScanTestDriver> driver_;
+    std::unique_ptr<graphs::GraphViewTabSet> graphs_;
     std::unique_ptr<scanning::ResultsTableModel> results_;
+    std::unique_ptr<graphs::view::ReportGraphImages> reportImages_;
     std::unique_ptr<QuitSequence> quit_;
     std::unique_ptr<ScanMainWindow> mainWindow_;
     std::unique_ptr<ConnectedSsidTab> connectedSsid_;
     InterfaceStateReactions* reactions_ = nullptr;
+    graphs::view::GraphTabWidget* graphTabs_ = nullptr;
     WiFiTurnedOffWindow* turnWiFiOnOffWindow_ = nullptr;
     QPointer<ReviewWindow> reivewController_;
     std::unique_ptr<QThread> launchAnnouncer_;

@@ -41,7 +41,11 @@ ScannerTab::ScannerTab(scanning::ScanTestDriver& driver, scanning::ResultsTableM
     auto* resultsLayout = new QVBoxLayout(resultsSide);
     resultsLayout->setContentsMargins(0, 0, 0, 0);
     resultsLayout->addWidget(filter_);
-    resultsLayout->addWidget(table_, 1);
+    resultsSplitter_ = new QSplitter(Qt::Vertical, resultsSide);
+    resultsSplitter_->setObjectName(QStringLiteral("resultsSplitter"));
+    resultsSplitter_->setChildrenCollapsible(false);
+    resultsSplitter_->addWidget(table_);
+    resultsLayout->addWidget(resultsSplitter_, 1);
 
     auto* splitter = new QSplitter(Qt::Horizontal, this);
     splitter->setObjectName(QStringLiteral("scannerSplitter"));
@@ -53,6 +57,13 @@ ScannerTab::ScannerTab(scanning::ScanTestDriver& driver, scanning::ResultsTableM
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(controls_);
     layout->addWidget(splitter, 1);
+}
+
+void ScannerTab::setGraphPane(QWidget* pane)
+{
+    resultsSplitter_->addWidget(pane);
+    resultsSplitter_->setStretchFactor(0, 1);
+    resultsSplitter_->setStretchFactor(1, 1);
 }
 
 QAction* ScannerTab::startPauseAction() const { return controls_->startPauseAction(); }

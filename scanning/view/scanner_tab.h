@@ -7,6 +7,7 @@
 
 class QAction;
 class QMenu;
+class QSplitter;
 
 namespace core {
 class UserSettings;
@@ -39,6 +40,8 @@ public:
     QAction* applyFilterAction() const;  // Ctrl+Return
     QAction* copyAction() const;         // Ctrl+C
     QMenu* exportMenu() const;
+    // Puts the graphs under the results table; the composition root owns what goes there.
+    void setGraphPane(QWidget* pane);
 
     ScanControls* controls() const { return controls_; }
     TestListView* testList() const { return tests_; }
@@ -63,6 +66,7 @@ private:
     FilterBar* filter_;
     ResultsTableView* table_;
     ExportMenu* export_;
+    QSplitter* resultsSplitter_ = nullptr;
 };
 
 } // namespace scanning::view

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "plot/geometry.h"
+#include "plot/graph.h"
+
+#include <QImage>
+#include <QThreadPool>
+#include <QWidget>
+
+#include <atomic>
+#include <memory>
+#include <optional>
+
+// Shows a graph. The graph is rendered into an image on a thread of the view's own, so the GUI
+// thread only copies the finished picture and draws hover marks over it; a render that a newer
+// graph has overtaken is thrown away, never shown.
+namespace plot::widget {
+
+class PlotView : public QWidget {
+    Q_OBJECT
+public:
+    explicit PlotView(QWidget* parent = nullptr);
+    ~PlotView() override;
+
+    // Takes the picture to show; the old one stays on screen until the new one is ready.
+    void setGraph(Graph graph);
+    const Graph& graph() const { return graph_; }
+    // Drawn on the GUI thread over the rendered picture, with the graph's frame and ranges.
+    void setOverlay(QList<Plot> plots, std::optional<TextAnnotation> annotation);
+    void clearOverlay();
+
+    // The picture on show (device pixels) and the graph it was rendered from.
+    QImage cachedImage() const { return cache_; }
+    quint64 shownGeneration() const { return shownGeneration_; }
+    quint64 latestGeneration() const { return generation_; }
+    bool renderPending() const { return shownGeneration_ != generation_; }
+    Geometry plotGeometry() const { return Geometry(graph_, QSizeF(size())); }
+
+    QSize sizeHint() const override { return {640, 360}; }
+    QSize minimumSizeHint() const override { return {240, 160}; }
+
+signals:
+    // A picture newer than the one shown is on screen.
+    void rendered();
+    void mouseMovedTo(const QPointF& data, const QPointF& pixel);
+    void mouseLeft();
+    void clickedAt(const QPointF& data);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+
+private:
+    void scheduleRender();
+    void accept(quint64 generation, const QImage& image);
+
+    Graph graph_;
+    QList<Plot> overlayPlots_;
+    std::optional<TextAnnotation> overlayAnnotation_;
+    QImage cache_;
+    quint64 generation_ = 0;
+    quint64 shownGeneration_ = 0;
+    // Read by queued renders so they can skip work a newer graph has made stale.
+    std::shared_ptr<std::atomic<quint64>> latest_ = std::make_shared<std::atomic<quint64>>(0);
+    // Own threads: rendering blocks for a while and must not hold up Qt's global pool, which
+    // the raster engine itself uses to split large fills.
+    QThreadPool pool_;
+};
+
+} // namespace plot::widget
