@@ -2,7 +2,9 @@
 
 #include "app/desktop/scan_main_window.h"
 #include "app/events/application_events.h"
+#include "graphs/graph_style.h"
 #include "interface/connected_report.h"
+#include "interface/view/interface_graph_view.h"
 #include "interface/interface_info_controller.h"
 #include "interface/join_controller.h"
 #include "interface/view/ad_hoc_sheet.h"
@@ -10,6 +12,7 @@
 #include "interface/view/interface_tab.h"
 #include "interface/view/join_sheet.h"
 #include "platform/api/wireless_client.h"
+#include "plot/renderer.h"
 #include "scan/scanner_utils.h"
 #include "scanning/results_table_model.h"
 #include "scanning/scan_test_driver.h"
@@ -25,6 +28,12 @@
 #include <QThreadPool>
 
 namespace app::desktop {
+namespace {
+
+// Wide enough for five minutes of samples at the report's image width.
+const QSize graphImageSize(1000, 400);
+
+} // namespace
 
 ConnectedSsidTab::ConnectedSsidTab(Services services, ScanMainWindow& window, QObject* parent)
     : QObject(parent), services_(std::move(services)), window_(window)
@@ -61,7 +70,17 @@ ConnectedSsidTab::ConnectedSsidTab(Services services, ScanMainWindow& window, QO
                 if (generateReport)
                     generateConnectedSSIDReport(path);
             });
+    connect(&window_, &ScanMainWindow::settingChanged, this, [this](const QString& key) {
+        if (key == QLatin1String(graphs::gridLinesSettingKey))
+            applyGridLinesSetting();
+    });
+    applyGridLinesSetting();
     controller_->startInterfaceTabGraphRefresh();
+}
+
+void ConnectedSsidTab::applyGridLinesSetting()
+{
+    tab_->graphView()->setShowGridLines(services_.settings.value(QLatin1String(graphs::gridLinesSettingKey)).toInt() != 0);
 }
 
 ConnectedSsidTab::~ConnectedSsidTab()
@@ -103,14 +122,15 @@ void ConnectedSsidTab::generateConnectedSSIDReport(const QString& path)
     const auto interface = controller_->currentInterface();
     if (interface && interface->snapshot().wlanChannel)
         values.interfaceChannel = interface->snapshot().wlanChannel->channelNumber;
-    const QImage graph = tab_->graphImage();
+    const plot::Graph graph = tab_->graphScene();
     const QDateTime now = QDateTime::currentDateTime();
     ++reportsRunning_;
     QThreadPool::globalInstance()->start([this, values, graph, path, now] {
         const QString html = connection::connectedReportHtml(connection::loadConnectedReportTemplate(), values, now);
         const connection::ConnectedReportOutcome outcome =
             connection::writeConnectedReport(path, html, now, [&graph](const QString& folder) {
-                return !graph.isNull() && graph.save(folder + QLatin1Char('/') + connection::connectedGraphFileName);
+                const QImage image = plot::renderImage(graph, graphImageSize);
+                return image.save(folder + QLatin1Char('/') + connection::connectedGraphFileName);
             });
         QMetaObject::invokeMethod(this, [this, outcome] {
             --reportsRunning_;

@@ -8,6 +8,9 @@
 namespace app {
 class ApplicationEvents;
 }
+namespace core {
+class UserSettings;
+}
 namespace platform {
 class CommandRunner;
 class WirelessClient;
@@ -47,6 +50,7 @@ public:
         scanning::ScanTestDriver& driver;
         scanning::ResultsTableModel& results;
         app::ApplicationEvents& events;
+        const core::UserSettings& settings;
     };
 
     ConnectedSsidTab(Services services, ScanMainWindow& window, QObject* parent = nullptr);
@@ -60,6 +64,7 @@ public:
 
 private:
     void chooseReportPath();
+    void applyGridLinesSetting();
 
     Services services_;
     ScanMainWindow& window_;

@@ -125,3 +125,26 @@ TEST_F(InterfaceInfoControllerTest, SwitchingInterfacesPausesAndResumesTheRefres
 }
 
 } // namespace
+
+#include "interface/interface_graph_data.h"
+
+namespace {
+
+TEST(InterfaceGraph, XIsSecondsBeforeTheNewestSampleAndHoverNamesTheNearest)
+{
+    const QDateTime newest(QDate(2026, 1, 2), QTime(10, 0, 30), Qt::LocalTime);
+    InterfaceSamples samples;
+    samples.add({-70, -95, "a", 25, newest.addSecs(-60)});
+    samples.add({-60, -92, "a", 32, newest.addSecs(-1)});
+    samples.add({-55, -90, "a", 35, newest});
+    const InterfaceGraphData data = interfaceGraphData(samples.samples());
+    ASSERT_EQ(data.signal.size(), 3);
+    EXPECT_EQ(data.signal.at(0), QPointF(0, -55));
+    EXPECT_EQ(data.noise.at(1), QPointF(-1, -92));
+    EXPECT_EQ(data.signal.at(2).x(), -60);
+    EXPECT_EQ(sampleNearest(data, -58, 5), 2);
+    EXPECT_EQ(sampleNearest(data, -30, 5), std::nullopt);
+    EXPECT_EQ(hoverText(data, 2), "Signal: -70 dBm\nNoise: -95 dBm\n09:59:30");
+}
+
+} // namespace

@@ -2,6 +2,7 @@
 
 #include "interface/interface_info_controller.h"
 #include "interface/view/alert.h"
+#include "interface/view/interface_graph_view.h"
 
 #include <QAction>
 #include <QButtonGroup>
@@ -9,8 +10,6 @@
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QImage>
-#include <QPixmap>
 #include <QLabel>
 #include <QPushButton>
 #include <QShowEvent>
@@ -34,7 +33,7 @@ InterfaceTab::InterfaceTab(InterfaceInfoController& controller, const QStringLis
     : QWidget(parent), controller_(controller), interfacePopup_(new QComboBox), powerGroup_(new QButtonGroup(this)),
       disconnectButton_(new QPushButton(tr("Disconnect"))),
       reportAction_(new QAction(tr("Export Connected SSID Report…"), this)),
-      createNetworkAction_(new QAction(tr("Create Network…"), this)), graphHost_(new QWidget)
+      createNetworkAction_(new QAction(tr("Create Network…"), this)), graph_(new InterfaceGraphView)
 {
     setObjectName(QLatin1String(identifier));
     setAccessibleName(tr("Connected SSID"));
@@ -112,12 +111,15 @@ InterfaceTab::InterfaceTab(InterfaceInfoController& controller, const QStringLis
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(bar);
     layout->addLayout(boxes);
-    graphHost_->setObjectName(QStringLiteral("hostViewForInterfaceTab"));
-    graphHost_->setAccessibleName(tr("Signal and noise graph"));
-    graphHost_->setMinimumHeight(220);
-    layout->addWidget(graphHost_, 1);
+    graph_->setMinimumHeight(220);
+    layout->addWidget(graph_, 1);
 
     connect(&controller_, &InterfaceInfoController::fieldsChanged, this, &InterfaceTab::showFields);
+    // Samples accumulate on every tab; the graph is redrawn only while it can be seen.
+    connect(&controller_, &InterfaceInfoController::samplesChanged, this, [this] {
+        if (controller_.isTabShown())
+            graph_->setSamples(controller_.graphDataPoints());
+    });
     connect(&controller_, &InterfaceInfoController::reportItemVisibleChanged, reportAction_, &QAction::setVisible);
     connect(&controller_, &InterfaceInfoController::actionFailed, this, [this](const platform::PlatformError& error) {
         showAlert(this, QStringLiteral("interfaceActionAlert"), error.description,
@@ -138,9 +140,9 @@ QLabel* InterfaceTab::addField(QFormLayout* form, const QString& objectName, con
     return value;
 }
 
-QImage InterfaceTab::graphImage() const
+const plot::Graph& InterfaceTab::graphScene() const
 {
-    return graphHost_->grab().toImage();
+    return graph_->scene();
 }
 
 QString InterfaceTab::fieldText(const QString& objectName) const

@@ -11,13 +11,17 @@ class QComboBox;
 class QFormLayout;
 class QLabel;
 class QPushButton;
-class QImage;
 
 namespace connection {
 class InterfaceInfoController;
 }
+namespace plot {
+struct Graph;
+}
 
 namespace connection::view {
+
+class InterfaceGraphView;
 
 // The "Connected SSID" tab: the interface popup, power and disconnect, the fields of the
 // current link, and the actions that open the ad-hoc sheet and write the connected report.
@@ -31,8 +35,9 @@ public:
     // "connectedSSIDReportItem": shown only while this tab is.
     QAction* reportAction() const { return reportAction_; }
     QAction* createNetworkAction() const { return createNetworkAction_; }
-    // The graph's picture, as the connected report embeds it.
-    QImage graphImage() const;
+    // The graph's picture as a value, for the connected report to render elsewhere.
+    const plot::Graph& graphScene() const;
+    InterfaceGraphView* graphView() const { return graph_; }
     QString fieldText(const QString& objectName) const;
 
 signals:
@@ -52,7 +57,7 @@ private:
     QPushButton* disconnectButton_;
     QAction* reportAction_;
     QAction* createNetworkAction_;
-    QWidget* graphHost_;
+    InterfaceGraphView* graph_;
     QList<std::pair<QLabel*, std::function<QString()>>> fields_;
 };
 
