@@ -14,6 +14,13 @@ bool isEnterprise(int securityMode)
            securityMode == platform::SecurityEnterprise;
 }
 
+// The stored record keeps only "secured" (-1) on later releases; the scan result behind it
+// still says which kind.
+bool isEnterpriseNetwork(const scan::ScanedResultInfo& network)
+{
+    return isEnterprise(network.network ? network.network->securityMode : network.securityMode);
+}
+
 } // namespace
 
 const QStringList& joinSecurityTitles()
@@ -58,7 +65,7 @@ JoinSheetState resetJoinWindow107(const scan::ScanedResultInfo& network, const S
         log->append(QStringLiteral("could not locate username and password so asking password to user"));
         // An enterprise network needs a user name even when none is stored, or it could never
         // be joined from here.
-        state.usernameEnabled = isEnterprise(network.securityMode);
+        state.usernameEnabled = isEnterpriseNetwork(network);
         if (secured) {
             if (stored.password)
                 state.passphrase = *stored.password;
@@ -169,7 +176,7 @@ JoinDecision decideJoin(const JoinSheetState& state, const scan::ScanedResultInf
         return decision;
     }
     // A stored identity, or for an enterprise network the user name alone, makes an 802.1X join.
-    if (stored.eapIdentity || isEnterprise(network.securityMode)) {
+    if (stored.eapIdentity || isEnterpriseNetwork(network)) {
         decision.kind = JoinDecision::AssociateEnterprise;
         decision.identity = stored.eapIdentity.value_or(QString());
         decision.username = state.username;

@@ -65,6 +65,13 @@ TEST(JoinSheet, OpeningFillsFromStoredCredentialsAndLogsWhatIsMissing)
     EXPECT_FALSE(state.passphraseEnabled);
     EXPECT_TRUE(state.passphrase.isEmpty());
 
+    scan::ScanedResultInfo corp = networkNamed("Corp", -1);
+    platform::ScanResult scanned;
+    scanned.securityMode = platform::SecurityWPA2Enterprise;
+    corp.network = std::make_shared<platform::ScanResult>(scanned);
+    EXPECT_TRUE(resetJoinWindow107(corp, StoredCredentials{}, &log).usernameEnabled);
+    EXPECT_FALSE(resetJoinWindow107(networkNamed("Cafe", -1), StoredCredentials{}, &log).usernameEnabled);
+
     stored.eapCredentials = platform::EapCredentials{"ada", "secret"};
     state = resetJoinWindow107(networkNamed("Corp", platform::SecurityWPA2Enterprise), stored, &log);
     EXPECT_EQ(state.username, "ada");

@@ -49,6 +49,8 @@ AdHocSheet::AdHocSheet(JoinController& controller, QWidget* parent)
     buttons->addButton(ibssOKButton_, QDialogButtonBox::AcceptRole);
     buttons->addButton(ibssCancelButton_, QDialogButtonBox::RejectRole);
     auto* layout = new QVBoxLayout(this);
+    // The spinner comes and goes; the sheet keeps to the size of what it shows.
+    layout->setSizeConstraint(QLayout::SetFixedSize);
     layout->addLayout(form);
     layout->addWidget(ibssSpinner_);
     layout->addWidget(buttons);

@@ -57,6 +57,8 @@ JoinSheet::JoinSheet(JoinController& controller, QWidget* parent)
     buttons->addButton(joinOKButton_, QDialogButtonBox::AcceptRole);
     buttons->addButton(joinCancelButton_, QDialogButtonBox::RejectRole);
     auto* layout = new QVBoxLayout(this);
+    // The spinner comes and goes; the sheet keeps to the size of what it shows.
+    layout->setSizeConstraint(QLayout::SetFixedSize);
     layout->addLayout(form);
     layout->addWidget(joinSpinner_);
     layout->addWidget(buttons);
