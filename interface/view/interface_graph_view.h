@@ -1,7 +1,6 @@
 #pragma once
 
-#include "interface/interface_graph_data.h"
-#include "plot/graph.h"
+#include "interface/view/interface_graph_scene.h"
 
 #include <QWidget>
 
@@ -34,8 +33,5 @@ private:
     plot::Graph scene_;
     std::optional<double> hoverX_;
 };
-
-// The scene for given data: the kit's picture of the graph, usable on any thread.
-plot::Graph interfaceGraphScene(const InterfaceGraphData& data, bool showGridLines);
 
 } // namespace connection::view
