@@ -212,6 +212,36 @@ InterfaceFields interfaceFields(const platform::InterfaceSnapshot& link, const s
                                              : laterFields(link, record, supportedChannels, mcsInx);
 }
 
+QMap<QString, QString> fieldSources(const platform::InterfaceSnapshot& link)
+{
+    const auto source = [&link](const char* member) {
+        const QString text = link.sources.value(QLatin1String(member), link.sources.value(QStringLiteral("*")));
+        return text.isEmpty() ? QStringLiteral("not reported by the backend") : text;
+    };
+    const QString elements = QStringLiteral("information elements of the connected BSS from a directed scan");
+    QMap<QString, QString> sources{
+        {QStringLiteral("opModeField"), source("interfaceMode")},
+        {QStringLiteral("securityModeField"), source("security")},
+        {QStringLiteral("phyModeField"), source("activePHYMode")},
+        {QStringLiteral("ssidField"), source("ssid")},
+        {QStringLiteral("bssidField"), source("bssid")},
+        {QStringLiteral("txRateField"), source("transmitRate")},
+        {QStringLiteral("rssiField"), source("rssiValue")},
+        {QStringLiteral("noiseField"), source("noiseMeasurement")},
+        {QStringLiteral("txPowerField"), source("transmitPower")},
+        {QStringLiteral("countryCodeField"), source("countryCode")},
+        {QStringLiteral("supportedChannelsField"), source("supportedWLANChannels")},
+        {QStringLiteral("channelField"), source("wlanChannel") + QStringLiteral("; offset from ") + elements},
+        {QStringLiteral("supportedPHYModesField"), elements},
+        {QStringLiteral("supportedDataRates"), elements},
+        {QStringLiteral("streamValue"), elements},
+        {QStringLiteral("mcsIndex"), QStringLiteral("the MCS: line of skyvane-cli -I on the same backend")},
+    };
+    if (link.noiseMeasurement == 0)
+        sources[QStringLiteral("noiseField")] = QStringLiteral("no reading; the band's usual noise floor is shown");
+    return sources;
+}
+
 int displayedNoise(int noiseMeasurement, double bandGhz)
 {
     if (noiseMeasurement != 0)

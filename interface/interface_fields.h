@@ -5,6 +5,7 @@
 #include "scan/scaned_result_info.h"
 
 #include <QList>
+#include <QMap>
 #include <QString>
 
 // The texts of the interface tab, computed from what the interface reports, the record of the
@@ -43,6 +44,11 @@ QList<int> sortedSupportedChannels(const platform::InterfaceSnapshot& link);
 InterfaceFields interfaceFields(const platform::InterfaceSnapshot& link, const scan::ScanedResultInfo& record,
                                 const QList<int>& supportedChannels, const QString& mcsInx,
                                 core::InterfaceGeneration generation);
+
+// Where each field's text came from, keyed by the field's name (e.g. "rssiField"): the
+// backend's own sources, the command-line tool for the MCS index, the directed scan for the
+// connected network's elements.
+QMap<QString, QString> fieldSources(const platform::InterfaceSnapshot& link);
 
 // The noise shown for a reading: a zero reading stands for the band's usual floor.
 int displayedNoise(int noiseMeasurement, double bandGhz);

@@ -144,6 +144,7 @@ void InterfaceInfoController::updateInterfaceInfoTab()
             applyLinkToRecord(link, currentNetworkDetails_);
         currentNetworkDetails_.ssid = link.ssid;
         fields_ = interfaceFields(link, currentNetworkDetails_, supportedChannelsArray_, mcsInx_, generation);
+        fieldSources_ = connection::fieldSources(link);
         currentNetworkDetails_.vendorName = ScannerUtils::vendorNameForMAC(link.bssid);
         signalToNoise_ = associated ? std::optional<int>(link.rssiValue - link.noiseMeasurement) : std::nullopt;
         if (signalToNoise_)

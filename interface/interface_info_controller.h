@@ -58,6 +58,8 @@ public:
     void disconnect();
 
     const InterfaceFields& fields() const { return fields_; }
+    // Where each field's text came from at the last refresh of the shown tab.
+    const QMap<QString, QString>& fieldSources() const { return fieldSources_; }
     const scan::ScanedResultInfo& currentNetworkDetails() const { return currentNetworkDetails_; }
     // RSSI minus noise while powered and associated; nothing otherwise.
     std::optional<int> signalToNoise() const { return signalToNoise_; }
@@ -99,6 +101,7 @@ private:
     QList<int> supportedChannelsArray_;
     QString mcsInx_;
     InterfaceFields fields_;
+    QMap<QString, QString> fieldSources_;
     InterfaceSamples samples_;
     // Last: destroyed first, so no hand-off reaches the members above after they are gone.
     scanning::BackgroundWork work_;

@@ -48,6 +48,7 @@ ConnectedSsidTab::ConnectedSsidTab(Services services, ScanMainWindow& window, QO
     tab_ = new connection::view::InterfaceTab(*controller_, names);
     joinSheet_ = new connection::view::JoinSheet(*joins_, &window_);
     adHocSheet_ = new connection::view::AdHocSheet(*joins_, &window_);
+    tab_->setExplainSources(services_.explainSources);
     window_.addTab(tab_, tr("Connected SSID"));
     window_.addAction(tab_->reportAction());
 

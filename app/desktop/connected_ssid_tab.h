@@ -51,6 +51,7 @@ public:
         scanning::ResultsTableModel& results;
         app::ApplicationEvents& events;
         const core::UserSettings& settings;
+        bool explainSources = false;
     };
 
     ConnectedSsidTab(Services services, ScanMainWindow& window, QObject* parent = nullptr);

@@ -145,6 +145,12 @@ const plot::Graph& InterfaceTab::graphScene() const
     return graph_->scene();
 }
 
+void InterfaceTab::setExplainSources(bool explain)
+{
+    explain_ = explain;
+    showFields();
+}
+
 QString InterfaceTab::fieldText(const QString& objectName) const
 {
     for (const auto& [label, text] : fields_) {
@@ -156,8 +162,16 @@ QString InterfaceTab::fieldText(const QString& objectName) const
 
 void InterfaceTab::showFields()
 {
-    for (const auto& [label, text] : fields_)
-        label->setText(text());
+    for (const auto& [label, text] : fields_) {
+        if (!explain_) {
+            label->setText(text());
+            continue;
+        }
+        const QString source = controller_.fieldSources().value(label->objectName());
+        label->setText(QStringLiteral("%1   [%2]").arg(text(), source));
+        label->setToolTip(source);
+        label->setAccessibleDescription(source);
+    }
     const InterfaceFields& f = controller_.fields();
     if (QAbstractButton* segment = powerGroup_->button(f.powerSegment))
         segment->setChecked(true);

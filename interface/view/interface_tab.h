@@ -39,6 +39,8 @@ public:
     const plot::Graph& graphScene() const;
     InterfaceGraphView* graphView() const { return graph_; }
     QString fieldText(const QString& objectName) const;
+    // Each field then names where its value came from, beside it and to screen readers.
+    void setExplainSources(bool explain);
 
 signals:
     void interfaceChosen(const QString& name);
@@ -59,6 +61,7 @@ private:
     QAction* createNetworkAction_;
     InterfaceGraphView* graph_;
     QList<std::pair<QLabel*, std::function<QString()>>> fields_;
+    bool explain_ = false;
 };
 
 } // namespace connection::view

@@ -67,6 +67,7 @@ platform::InterfaceSnapshot CaptureReplayInterface::snapshot() const
     snapshot.powerOn = true;
     snapshot.interfaceMode = platform::InterfaceModeStation;
     snapshot.interfaceState = platform::InterfaceStateInactive;
+    snapshot.sources.insert(QStringLiteral("*"), QStringLiteral("a replayed capture, which has no live link"));
     return snapshot;
 }
 

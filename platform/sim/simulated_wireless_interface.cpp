@@ -91,6 +91,7 @@ InterfaceSnapshot SimulatedWirelessInterface::snapshot() const
     s.countryCode = QString::fromLatin1(simulatedCountryCode);
     s.supportedWLANChannels = channels;
     s.supportedPHYModes = PhyA | PhyB | PhyG | PhyN | PhyAC;
+    s.sources.insert(QStringLiteral("*"), QStringLiteral("the simulated radio environment"));
     if (!powerOn_)
         return s;
     s.transmitPower = environment_->transmitPowerMw(now);
