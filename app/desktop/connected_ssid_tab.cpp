@@ -23,6 +23,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QImage>
+#include <QMenu>
 #include <QStatusBar>
 #include <QThread>
 #include <QThreadPool>
@@ -66,6 +67,12 @@ ConnectedSsidTab::ConnectedSsidTab(Services services, ScanMainWindow& window, QO
     connect(tab_->createNetworkAction(), &QAction::triggered, adHocSheet_,
             &connection::view::AdHocSheet::createIBSSButtonPressed);
     connect(tab_->reportAction(), &QAction::triggered, this, &ConnectedSsidTab::chooseReportPath);
+    if (services_.exportMenu) {
+        QAction* exportItem = services_.exportMenu->addAction(tr("Connected SSID Report…"));
+        exportItem->setObjectName(QStringLiteral("exportAction5"));
+        exportItem->setData(5);
+        connect(exportItem, &QAction::triggered, this, &ConnectedSsidTab::chooseReportPath);
+    }
     connect(&services_.events, &app::ApplicationEvents::generateInterfaceTabGraphImage, this,
             [this](const QString& path, bool generateReport) {
                 if (generateReport)

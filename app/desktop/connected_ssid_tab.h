@@ -5,6 +5,8 @@
 
 #include <memory>
 
+class QMenu;
+
 namespace app {
 class ApplicationEvents;
 }
@@ -52,6 +54,8 @@ public:
         app::ApplicationEvents& events;
         const core::UserSettings& settings;
         bool explainSources = false;
+        // The scanner's Export menu, which gets the report as its item of tag 5.
+        QMenu* exportMenu = nullptr;
     };
 
     ConnectedSsidTab(Services services, ScanMainWindow& window, QObject* parent = nullptr);

@@ -111,7 +111,8 @@ bool DesktopApplication::launch()
                                                                  .filePath(QStringLiteral("skyvane-cli")),
                                                              app::cli::backendArguments(arguments_.backend)) +
                                        QStringLiteral(" -I"),
-                                   *driver_, *results_, parts_->events, parts_->settings, arguments_.explain},
+                                   *driver_, *results_, parts_->events, parts_->settings, arguments_.explain,
+                                   tab->exportMenu()},
         *mainWindow_);
     mainWindow_->restoreWindowState();
     connect(mainWindow_.get(), &ScanMainWindow::settingChanged, tab, [this, tab](const QString& key) {
