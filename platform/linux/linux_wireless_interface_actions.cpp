@@ -38,7 +38,8 @@ MaybeError LinuxWirelessInterface::associateToNetwork(const ScanResult& network,
     request.devicePath = device.value;
     request.ssid = network.ssidData;
     request.bssid = network.bssid;
-    request.security = nmSecurityKindForCode(network.securityMode);
+    const scan::AuthenticationSuites suites = scan::authenticationSuites(network.informationElementData);
+    request.security = nmSecurityKindForNetwork(network.securityMode, suites.psk, suites.sae, suites.owe);
     request.passphrase = password;
     return networkManager_->connectToNetwork(request);
 }

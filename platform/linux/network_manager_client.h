@@ -27,12 +27,16 @@ enum class NmSecurityKind {
     Wep,
     WpaPersonal,   // WPA/WPA2, and WPA3 where the access point offers it
     Wpa3Personal,  // SAE only
+    Owe,           // Opportunistic Wireless Encryption: encrypted, no passphrase
     DynamicWep,    // 802.1X with WEP keys
     Enterprise,    // WPA/WPA2/WPA3 with 802.1X
 };
 
 // The kind to connect with for a network's security code (platform::SecurityCode).
 NmSecurityKind nmSecurityKindForCode(int securityCode);
+// The same, refined by the key managements the network's elements offer: SAE without PSK
+// needs "sae", OWE without a passphrase kind needs "owe".
+NmSecurityKind nmSecurityKindForNetwork(int securityCode, bool offersPsk, bool offersSae, bool offersOwe);
 
 // A value or the error that prevented it.
 template <typename T>

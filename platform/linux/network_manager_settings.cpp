@@ -29,6 +29,18 @@ NmSecurityKind nmSecurityKindForCode(int securityCode)
     }
 }
 
+NmSecurityKind nmSecurityKindForNetwork(int securityCode, bool offersPsk, bool offersSae, bool offersOwe)
+{
+    const NmSecurityKind kind = nmSecurityKindForCode(securityCode);
+    if (kind != NmSecurityKind::WpaPersonal)
+        return kind;
+    if (offersSae && !offersPsk)
+        return NmSecurityKind::Wpa3Personal;
+    if (offersOwe && !offersPsk && !offersSae)
+        return NmSecurityKind::Owe;
+    return kind;
+}
+
 namespace nm_settings {
 namespace {
 
@@ -200,6 +212,9 @@ NmConnectionSettings infrastructure(const NmConnectRequest& request, const QStri
         break;
     case NmSecurityKind::Wpa3Personal:
         settings.insert(securityKey, pskSecurity(QStringLiteral("sae"), request.passphrase));
+        break;
+    case NmSecurityKind::Owe:
+        settings.insert(securityKey, QVariantMap{{QStringLiteral("key-mgmt"), QStringLiteral("owe")}});
         break;
     case NmSecurityKind::DynamicWep:
         settings.insert(securityKey, QVariantMap{{QStringLiteral("key-mgmt"), QStringLiteral("ieee8021x")}});

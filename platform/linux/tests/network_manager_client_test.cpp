@@ -1,6 +1,7 @@
 #include "platform/linux/network_manager_client.h"
 
 #include "platform/api/scan_result.h"
+#include "scan/scan_result_derivation.h"
 
 #include <QCoreApplication>
 #include <QDBusArgument>
@@ -255,6 +256,7 @@ TEST_F(NetworkManagerClientTest, ProfilesItCreatesCarryExactTypesAndStayPrivateT
     const QList<Case> cases{{NmSecurityKind::Open, "", false, false},
                             {NmSecurityKind::WpaPersonal, "wpa-psk", true, false},
                             {NmSecurityKind::Wpa3Personal, "sae", true, false},
+                            {NmSecurityKind::Owe, "owe", false, false},
                             {NmSecurityKind::Enterprise, "wpa-eap", false, true}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.keyManagement.toStdString());
@@ -277,6 +279,36 @@ TEST_F(NetworkManagerClientTest, ProfilesItCreatesCarryExactTypesAndStayPrivateT
             EXPECT_EQ(s["802-1x"]["anonymous-identity"].toString(), "anonymous");
             EXPECT_EQ(s["802-1x"]["password"].toString(), "correct horse");
         }
+    }
+}
+
+QByteArray rsnElement(std::initializer_list<std::uint8_t> akmTypes)
+{
+    QByteArray body("\x01\x00\x00\x0f\xac\x04\x01\x00\x00\x0f\xac\x04", 12);
+    body.append(static_cast<char>(akmTypes.size()));
+    body.append('\0');
+    for (std::uint8_t type : akmTypes)
+        body.append(QByteArray("\x00\x0f\xac", 3)).append(static_cast<char>(type));
+    body.append(QByteArray(2, '\0'));
+    return QByteArray(1, '\x30') + QByteArray(1, static_cast<char>(body.size())) + body;
+}
+
+TEST(NetworkManagerSecurity, KeyManagementFollowsWhatTheNetworkOffers)
+{
+    struct Case {
+        QByteArray elements;
+        NmSecurityKind kind;
+    };
+    const QList<Case> cases{{rsnElement({2}), NmSecurityKind::WpaPersonal},
+                            {rsnElement({8}), NmSecurityKind::Wpa3Personal},
+                            {rsnElement({2, 8}), NmSecurityKind::WpaPersonal},
+                            {rsnElement({18}), NmSecurityKind::Owe},
+                            {rsnElement({1}), NmSecurityKind::Enterprise}};
+    for (const Case& c : cases) {
+        const platform::ScanResult network = scan::deriveScanResult({"02:00:00:00:00:01", 2412, -50, 0, 0x0411, 100, c.elements});
+        const scan::AuthenticationSuites suites = scan::authenticationSuites(c.elements);
+        EXPECT_EQ(nmSecurityKindForNetwork(network.securityMode, suites.psk, suites.sae, suites.owe), c.kind)
+            << c.elements.toHex().constData();
     }
 }
 
