@@ -106,7 +106,7 @@ std::optional<QString> LinuxWirelessInterface::copyPassword(const QByteArray& ss
 {
     if (!networkManagerAvailable())
         return std::nullopt;
-    const auto secrets = networkManager_->secretsForSsid(ssid);
+    const auto secrets = storedSecrets(ssid);
     return secrets ? secrets->passphrase : std::nullopt;
 }
 
@@ -114,7 +114,7 @@ std::optional<EapCredentials> LinuxWirelessInterface::copyEAPUsernameAndPassword
 {
     if (!networkManagerAvailable())
         return std::nullopt;
-    const auto secrets = networkManager_->secretsForSsid(ssid);
+    const auto secrets = storedSecrets(ssid);
     if (!secrets || (!secrets->eapUsername && !secrets->eapPassword))
         return std::nullopt;
     return EapCredentials{secrets->eapUsername.value_or(QString()), secrets->eapPassword.value_or(QString())};
@@ -124,8 +124,21 @@ std::optional<QString> LinuxWirelessInterface::copyEAPIdentity(const QByteArray&
 {
     if (!networkManagerAvailable())
         return std::nullopt;
-    const auto secrets = networkManager_->secretsForSsid(ssid);
+    const auto secrets = storedSecrets(ssid);
     return secrets ? secrets->eapIdentity : std::nullopt;
+}
+
+std::optional<NmSecrets> LinuxWirelessInterface::storedSecrets(const QByteArray& ssid) const
+{
+    // Long enough for one opening of the join sheet, short enough that a changed profile shows.
+    constexpr qint64 reuseMs = 10000;
+    const std::lock_guard lock(secretsMutex_);
+    if (secretsAge_.isValid() && secretsSsid_ == ssid && !secretsAge_.hasExpired(reuseMs))
+        return secrets_;
+    secrets_ = networkManager_->secretsForSsid(ssid);
+    secretsSsid_ = ssid;
+    secretsAge_.start();
+    return secrets_;
 }
 
 } // namespace platform
