@@ -85,7 +85,7 @@ void JoinController::join(const JoinSheetState& state)
         const platform::MaybeError error =
             decision.kind == JoinDecision::AssociateEnterprise
                 ? interface->associateToEnterpriseNetwork(network, decision.identity, decision.username,
-                                                          decision.password)
+                                                          decision.password, decision.eap)
                 : interface->associateToNetwork(network, decision.password);
         work_.runOnOwnerThread(
             [this, error] {

@@ -149,6 +149,7 @@ JoinDecision olderJoinDecision(const JoinSheetState& state, const StoredCredenti
         return decision;
     decision.kind = JoinDecision::AssociateEnterprise;
     decision.username = state.username;
+    decision.eap = state.eap;
     if (state.profileIndex > 0 && state.profileIndex <= stored.eapProfiles.size()) {
         const platform::EapProfile& profile = stored.eapProfiles.at(state.profileIndex - 1);
         decision.username = profile.username;
@@ -180,6 +181,7 @@ JoinDecision decideJoin(const JoinSheetState& state, const scan::ScanedResultInf
         decision.kind = JoinDecision::AssociateEnterprise;
         decision.identity = stored.eapIdentity.value_or(QString());
         decision.username = state.username;
+        decision.eap = state.eap;
         return decision;
     }
     decision.kind = JoinDecision::Associate;

@@ -29,6 +29,9 @@ struct JoinSheetState {
     QStringList profileItems;  // "Default" and the user's 802.1X profile names, or empty
     int profileIndex = -1;
     bool profileEnabled = false;
+    // 802.1X: the inner method and the CA certificate (empty: the system's store); they go
+    // with the user name field.
+    platform::EapOptions eap;
 };
 
 // What the user's stored configuration holds for one network, looked up once when the sheet opens.
@@ -58,6 +61,7 @@ struct JoinDecision {
     QString password;
     QString identity;
     QString username;
+    platform::EapOptions eap;
 };
 
 JoinDecision decideJoin(const JoinSheetState& state, const scan::ScanedResultInfo& network,

@@ -93,9 +93,12 @@ TEST(JoinSheet, JoinDecisionRefusesAnEmptySecuredPassphraseAndPicksTheCall)
     state.username = "ada";
     EXPECT_EQ(decideJoin(state, networkNamed("Cafe", platform::SecurityWPA2Personal), none, later).kind,
               JoinDecision::Associate);
+    state.eap = {platform::EapOptions::Method::TtlsPap, "/etc/ssl/corp-ca.pem"};
     decision = decideJoin(state, networkNamed("Corp", platform::SecurityWPA2Enterprise), none, later);
     EXPECT_EQ(decision.kind, JoinDecision::AssociateEnterprise);
     EXPECT_EQ(decision.username, "ada");
+    EXPECT_EQ(decision.eap.method, platform::EapOptions::Method::TtlsPap);
+    EXPECT_EQ(decision.eap.caCertificatePath, "/etc/ssl/corp-ca.pem");
 
     // The oldest release: the second profile item is the user's first stored profile.
     StoredCredentials stored;

@@ -5,7 +5,9 @@
 
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QFileDialog>
 #include <QFormLayout>
+#include <QHBoxLayout>
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
@@ -32,6 +34,10 @@ JoinSheet::JoinSheet(JoinController& controller, QWidget* parent)
           named(new QComboBox, QStringLiteral("joinUser8021XProfilePopupButton"), tr("802.1X profile"))),
       joinUsernameField_(named(new QLineEdit, QStringLiteral("joinUsernameField"), tr("User name"))),
       joinPassphraseField_(named(new QLineEdit, QStringLiteral("joinPassphraseField"), tr("Password"))),
+      eapMethodPopup_(named(new QComboBox, QStringLiteral("joinEapMethodPopupButton"), tr("802.1X authentication"))),
+      caCertificateField_(named(new QLineEdit, QStringLiteral("joinCaCertificateField"), tr("CA certificate"))),
+      caCertificateButton_(
+          named(new QPushButton(tr("Choose…")), QStringLiteral("joinCaCertificateButton"), tr("Choose a CA certificate"))),
       joinSpinner_(named(new QProgressBar, QStringLiteral("joinSpinner"), tr("Joining"))),
       joinOKButton_(named(new QPushButton(tr("Join")), QStringLiteral("joinOKButton"), tr("Join"))),
       joinCancelButton_(named(new QPushButton(tr("Cancel")), QStringLiteral("joinCancelButton"), tr("Cancel")))
@@ -42,6 +48,9 @@ JoinSheet::JoinSheet(JoinController& controller, QWidget* parent)
     setWindowModality(Qt::WindowModal);
     joinSecurityPopupButton_->addItems(joinSecurityTitles());
     joinPassphraseField_->setEchoMode(QLineEdit::Password);
+    eapMethodPopup_->addItems({tr("PEAP / MSCHAPv2"), tr("TTLS / PAP")});
+    caCertificateField_->setPlaceholderText(tr("System default"));
+    caCertificateField_->setClearButtonEnabled(true);
     joinSpinner_->setRange(0, 0);
     joinSpinner_->setTextVisible(false);
     joinSpinner_->setVisible(false);
@@ -53,6 +62,11 @@ JoinSheet::JoinSheet(JoinController& controller, QWidget* parent)
     form->addRow(tr("802.1X &profile:"), joinUser8021XProfilePopupButton_);
     form->addRow(tr("&User name:"), joinUsernameField_);
     form->addRow(tr("Pass&word:"), joinPassphraseField_);
+    form->addRow(tr("&Authentication:"), eapMethodPopup_);
+    auto* certificate = new QHBoxLayout;
+    certificate->addWidget(caCertificateField_, 1);
+    certificate->addWidget(caCertificateButton_);
+    form->addRow(tr("CA &certificate:"), certificate);
     auto* buttons = new QDialogButtonBox;
     buttons->addButton(joinOKButton_, QDialogButtonBox::AcceptRole);
     buttons->addButton(joinCancelButton_, QDialogButtonBox::RejectRole);
@@ -65,6 +79,7 @@ JoinSheet::JoinSheet(JoinController& controller, QWidget* parent)
 
     connect(joinSecurityPopupButton_, &QComboBox::activated, this, &JoinSheet::securityChosen);
     connect(joinOKButton_, &QPushButton::clicked, this, &JoinSheet::joinOKButtonPressed);
+    connect(caCertificateButton_, &QPushButton::clicked, this, &JoinSheet::chooseCaCertificate);
     connect(joinCancelButton_, &QPushButton::clicked, this, &QDialog::reject);
     connect(this, &QDialog::finished, &controller_, &JoinController::sheetClosed);
     connect(&controller_, &JoinController::sheetReady, this, [this](const JoinSheetState& state) {
@@ -89,6 +104,9 @@ JoinSheetState JoinSheet::state() const
     s.username = joinUsernameField_->text();
     s.passphrase = joinPassphraseField_->text();
     s.profileIndex = joinUser8021XProfilePopupButton_->currentIndex();
+    s.eap.method = eapMethodPopup_->currentIndex() == 1 ? platform::EapOptions::Method::TtlsPap
+                                                        : platform::EapOptions::Method::PeapMschapv2;
+    s.eap.caCertificatePath = caCertificateField_->text().trimmed();
     return s;
 }
 
@@ -108,6 +126,11 @@ void JoinSheet::apply(const JoinSheetState& state)
     joinPassphraseField_->setText(state.passphrase);
     joinPassphraseField_->setEnabled(state.passphraseEnabled);
     joinPassphraseField_->setReadOnly(!state.passphraseEditable);
+    eapMethodPopup_->setCurrentIndex(state.eap.method == platform::EapOptions::Method::TtlsPap ? 1 : 0);
+    caCertificateField_->setText(state.eap.caCertificatePath);
+    for (QWidget* control : {static_cast<QWidget*>(eapMethodPopup_), static_cast<QWidget*>(caCertificateField_),
+                             static_cast<QWidget*>(caCertificateButton_)})
+        control->setEnabled(state.usernameEnabled);
 }
 
 void JoinSheet::securityChosen(int index)
@@ -133,6 +156,14 @@ void JoinSheet::joinFinished(const platform::MaybeError& error)
     }
     showAlert(this, QStringLiteral("joinFailedAlert"), error->description,
               QStringList{error->failureReason, error->recoverySuggestion}.join(QLatin1Char('\n')).trimmed());
+}
+
+void JoinSheet::chooseCaCertificate()
+{
+    const QString path = QFileDialog::getOpenFileName(this, tr("CA Certificate"), caCertificateField_->text(),
+                                                      tr("Certificates (*.pem *.crt *.cer *.der);;All files (*)"));
+    if (!path.isEmpty())
+        caCertificateField_->setText(path);
 }
 
 void JoinSheet::setBusy(bool busy)

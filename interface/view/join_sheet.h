@@ -31,6 +31,7 @@ private:
     void joinOKButtonPressed();
     void joinFinished(const platform::MaybeError& error);
     void setBusy(bool busy);
+    void chooseCaCertificate();
 
     JoinController& controller_;
     JoinSheetState shown_;
@@ -39,6 +40,9 @@ private:
     QComboBox* joinUser8021XProfilePopupButton_;
     QLineEdit* joinUsernameField_;
     QLineEdit* joinPassphraseField_;
+    QComboBox* eapMethodPopup_;
+    QLineEdit* caCertificateField_;
+    QPushButton* caCertificateButton_;
     QProgressBar* joinSpinner_;
     QPushButton* joinOKButton_;
     QPushButton* joinCancelButton_;

@@ -89,6 +89,14 @@ struct EapProfile {
     QString password;
 };
 
+// How an 802.1X join authenticates: the inner method, and the CA certificate the server's is
+// checked against (empty: the system's default store).
+struct EapOptions {
+    enum class Method { PeapMschapv2, TtlsPap };
+    Method method = Method::PeapMschapv2;
+    QString caCertificatePath;
+};
+
 struct EapCredentials {
     QString username;
     QString password;

@@ -176,7 +176,8 @@ platform::MaybeError CaptureReplayInterface::associateToNetwork(const platform::
 }
 
 platform::MaybeError CaptureReplayInterface::associateToEnterpriseNetwork(const platform::ScanResult&, const QString&,
-                                                                          const QString&, const QString&)
+                                                                     const QString&, const QString&,
+                                                                     const platform::EapOptions&)
 {
     return notPossible(QStringLiteral("Joining a network"));
 }

@@ -45,7 +45,8 @@ MaybeError LinuxWirelessInterface::associateToNetwork(const ScanResult& network,
 }
 
 MaybeError LinuxWirelessInterface::associateToEnterpriseNetwork(const ScanResult& network, const QString& identity,
-                                                                const QString& username, const QString& password)
+                                                                const QString& username, const QString& password,
+                                                                const EapOptions& eap)
 {
     const auto device = devicePath();
     if (!device.ok())
@@ -58,6 +59,9 @@ MaybeError LinuxWirelessInterface::associateToEnterpriseNetwork(const ScanResult
                                                                   : NmSecurityKind::Enterprise;
     request.identity = identity;
     request.username = username;
+    request.eapMethod = eap.method == EapOptions::Method::TtlsPap ? QStringLiteral("ttls") : QStringLiteral("peap");
+    request.phase2Auth = eap.method == EapOptions::Method::TtlsPap ? QStringLiteral("pap") : QStringLiteral("mschapv2");
+    request.caCertificatePath = eap.caCertificatePath;
     request.passphrase = password;
     return networkManager_->connectToNetwork(request);
 }

@@ -55,6 +55,9 @@ struct NmConnectRequest {
     QString passphrase;       // the PSK, the WEP key, or the 802.1X password
     QString identity;         // 802.1X outer identity; also the user name when username is empty
     QString username;         // 802.1X user name
+    QString eapMethod = QStringLiteral("peap");
+    QString phase2Auth = QStringLiteral("mschapv2");
+    QString caCertificatePath;  // empty: the system's CA store
 };
 
 struct NmWifiProfile {

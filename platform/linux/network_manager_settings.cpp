@@ -132,12 +132,18 @@ QVariantMap eapSetting(const NmConnectRequest& request)
 {
     const QString userName = request.username.isEmpty() ? request.identity : request.username;
     QVariantMap eap{
-        {QStringLiteral("eap"), QStringList{QStringLiteral("peap")}},
+        {QStringLiteral("eap"), QStringList{request.eapMethod}},
         {QStringLiteral("identity"), userName},
         {QStringLiteral("password"), request.passphrase},
         {QStringLiteral("password-flags"), secretKeptBySystem},
-        {QStringLiteral("phase2-auth"), QStringLiteral("mschapv2")},
+        {QStringLiteral("phase2-auth"), request.phase2Auth},
     };
+    // NetworkManager takes a certificate file as a "file://" URI in bytes, ending in a NUL;
+    // without one it uses the system's CA store.
+    if (request.caCertificatePath.isEmpty())
+        eap.insert(QStringLiteral("system-ca-certs"), true);
+    else
+        eap.insert(QStringLiteral("ca-cert"), QByteArray("file://") + request.caCertificatePath.toUtf8() + QByteArray(1, '\0'));
     if (!request.identity.isEmpty() && request.identity != userName)
         eap.insert(QStringLiteral("anonymous-identity"), request.identity);
     return eap;

@@ -209,7 +209,8 @@ MaybeError SimulatedWirelessInterface::associateToNetwork(const ScanResult& netw
 }
 
 MaybeError SimulatedWirelessInterface::associateToEnterpriseNetwork(const ScanResult& network, const QString& identity,
-                                                                    const QString& username, const QString& password)
+                                                                    const QString& username, const QString& password,
+                                                                    const EapOptions&)
 {
     return join(network, Credentials{identity, username, password}, password);
 }

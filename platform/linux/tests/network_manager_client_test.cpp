@@ -237,7 +237,7 @@ protected:
     NmConnectRequest request(NmSecurityKind security) const
     {
         return {wifiDevice, managerPath + "/AccessPoint/7", QByteArray("caf\xc3\xa9\x00\xff", 6), "02:11:22:aa:bb:cc",
-                security, "correct horse", "anonymous", "alice"};
+                security, "correct horse", "anonymous", "alice", "peap", "mschapv2", {}};
     }
 
     QThread thread_;
@@ -275,6 +275,9 @@ TEST_F(NetworkManagerClientTest, ProfilesItCreatesCarryExactTypesAndStayPrivateT
         EXPECT_EQ(s.value("802-11-wireless-security").value("psk").toString(), c.carriesPsk ? "correct horse" : "");
         EXPECT_EQ(s.contains("802-1x"), c.carries8021X);
         if (c.carries8021X) {
+            EXPECT_EQ(s["802-1x"]["eap"].toStringList(), QStringList{"peap"});
+            EXPECT_EQ(s["802-1x"]["phase2-auth"].toString(), "mschapv2");
+            EXPECT_TRUE(s["802-1x"]["system-ca-certs"].toBool());
             EXPECT_EQ(s["802-1x"]["identity"].toString(), "alice");
             EXPECT_EQ(s["802-1x"]["anonymous-identity"].toString(), "anonymous");
             EXPECT_EQ(s["802-1x"]["password"].toString(), "correct horse");
@@ -345,6 +348,21 @@ TEST_F(NetworkManagerClientTest, JoinWaitsForActivationAndRemovesTheProfileOfAFa
         EXPECT_EQ(fake_.deleted, QStringList{managerPath + "/Settings/9"});
         EXPECT_EQ(fake_.deactivated.last(), managerPath + "/ActiveConnection/1");
     }
+}
+
+TEST_F(NetworkManagerClientTest, TtlsWithACertificateFileCarriesItsMethodAndFile)
+{
+    NmConnectRequest ttls = request(NmSecurityKind::Enterprise);
+    ttls.eapMethod = "ttls";
+    ttls.phase2Auth = "pap";
+    ttls.caCertificatePath = "/etc/ssl/corp-ca.pem";
+    ASSERT_EQ(client_->connectToNetwork(ttls), std::nullopt);
+    std::lock_guard lock(fake_.mutex);
+    const QVariantMap eap = fake_.activated["802-1x"];
+    EXPECT_EQ(eap["eap"].toStringList(), QStringList{"ttls"});
+    EXPECT_EQ(eap["phase2-auth"].toString(), "pap");
+    EXPECT_EQ(eap["ca-cert"].toByteArray(), QByteArray("file:///etc/ssl/corp-ca.pem\0", 28));
+    EXPECT_FALSE(eap.contains("system-ca-certs"));
 }
 
 TEST_F(NetworkManagerClientTest, AdHocNetworksPickTheBandOfTheirChannel)
