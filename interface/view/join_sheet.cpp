@@ -8,6 +8,7 @@
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
@@ -66,7 +67,9 @@ JoinSheet::JoinSheet(JoinController& controller, QWidget* parent)
     auto* certificate = new QHBoxLayout;
     certificate->addWidget(caCertificateField_, 1);
     certificate->addWidget(caCertificateButton_);
-    form->addRow(tr("CA &certificate:"), certificate);
+    auto* certificateLabel = new QLabel(tr("CA &certificate:"));
+    certificateLabel->setBuddy(caCertificateField_);
+    form->addRow(certificateLabel, certificate);
     auto* buttons = new QDialogButtonBox;
     buttons->addButton(joinOKButton_, QDialogButtonBox::AcceptRole);
     buttons->addButton(joinCancelButton_, QDialogButtonBox::RejectRole);
