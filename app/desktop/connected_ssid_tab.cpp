@@ -20,6 +20,7 @@
 
 #include <QAction>
 #include <QCoreApplication>
+#include <QDialog>
 #include <QDir>
 #include <QFileDialog>
 #include <QImage>
@@ -66,6 +67,11 @@ ConnectedSsidTab::ConnectedSsidTab(Services services, ScanMainWindow& window, QO
             &connection::JoinController::openFor);
     connect(tab_->createNetworkAction(), &QAction::triggered, adHocSheet_,
             &connection::view::AdHocSheet::createIBSSButtonPressed);
+    // Joining and creating a network need the radio to themselves: the scans wait meanwhile.
+    for (QDialog* sheet : {static_cast<QDialog*>(joinSheet_), static_cast<QDialog*>(adHocSheet_)})
+        connect(sheet, &QDialog::finished, this, &ConnectedSsidTab::releaseScans);
+    connect(joins_.get(), &connection::JoinController::sheetReady, this, &ConnectedSsidTab::holdScans);
+    connect(tab_->createNetworkAction(), &QAction::triggered, this, &ConnectedSsidTab::holdScans);
     connect(tab_->reportAction(), &QAction::triggered, this, &ConnectedSsidTab::chooseReportPath);
     if (services_.exportMenu) {
         QAction* exportItem = services_.exportMenu->addAction(tr("Connected SSID Report…"));
@@ -84,6 +90,23 @@ ConnectedSsidTab::ConnectedSsidTab(Services services, ScanMainWindow& window, QO
     });
     applyGridLinesSetting();
     controller_->startInterfaceTabGraphRefresh();
+}
+
+void ConnectedSsidTab::holdScans()
+{
+    // A scan the user paused stays paused after the sheet closes.
+    if (scansHeld_ || services_.driver.isPaused())
+        return;
+    scansHeld_ = true;
+    emit services_.events.pauseScanTimer();
+}
+
+void ConnectedSsidTab::releaseScans()
+{
+    if (!scansHeld_)
+        return;
+    scansHeld_ = false;
+    emit services_.events.resumeScanTimer();
 }
 
 void ConnectedSsidTab::applyGridLinesSetting()

@@ -70,6 +70,8 @@ public:
 private:
     void chooseReportPath();
     void applyGridLinesSetting();
+    void holdScans();
+    void releaseScans();
 
     Services services_;
     ScanMainWindow& window_;
@@ -79,6 +81,7 @@ private:
     connection::view::JoinSheet* joinSheet_ = nullptr;
     connection::view::AdHocSheet* adHocSheet_ = nullptr;
     int reportsRunning_ = 0;
+    bool scansHeld_ = false;
 };
 
 } // namespace app::desktop

@@ -5,6 +5,7 @@
 #include "app/desktop/wifi_turned_off_window.h"
 #include "app/settings/settings_store.h"
 #include "scanning/results_table_model.h"
+#include "scanning/scan_test_driver.h"
 
 #include <QDialog>
 #include <QDir>
@@ -102,7 +103,9 @@ TEST_F(DesktopWindow, ConnectedSsidTabFillsItsFieldsOpensTheJoinSheetAndWritesIt
     auto* sheet = window->findChild<QDialog*>(QStringLiteral("joinWindow"));
     ASSERT_NE(sheet, nullptr);
     EXPECT_TRUE(QTest::qWaitFor([&] { return sheet->isVisible(); }, 5000));
+    EXPECT_TRUE(desktop->driver()->isPaused()) << "the scans wait while the sheet holds the radio";
     sheet->reject();
+    EXPECT_FALSE(desktop->driver()->isPaused());
 
     desktop->connectedSsidTab()->generateConnectedSSIDReport(folder.filePath(QStringLiteral("connected.html")));
     QString page;
