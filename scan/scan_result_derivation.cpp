@@ -28,6 +28,7 @@ enum AkmBit : unsigned {
     AkmSuiteB = 1u << 1,
     AkmPsk = 1u << 2,
     AkmSae = 1u << 3,
+    AkmOwe = 1u << 4,
 };
 
 // What one walk over the elements collects. The first occurrence of each element wins, as for
@@ -123,6 +124,7 @@ unsigned rsnAkms(const ByteReader& rsn)
         case 11: case 12: case 13: akms |= AkmSuiteB; break;
         case 2: case 4: case 6: akms |= AkmPsk; break;
         case 8: case 9: case 24: case 25: akms |= AkmSae; break;
+        case 18: akms |= AkmOwe; break;
         default: break;
         }
     });
@@ -305,6 +307,15 @@ std::optional<int> channelForFrequency(int frequencyMhz)
     if (frequencyMhz >= 5150 && frequencyMhz <= 5895 && frequencyMhz % 5 == 0)
         return (frequencyMhz - 5000) / 5;
     return std::nullopt;
+}
+
+AuthenticationSuites authenticationSuites(const QByteArray& informationElements)
+{
+    const ElementFacts elements = walkElements(informationElements);
+    const unsigned rsn = elements.rsn ? rsnAkms(*elements.rsn) : 0;
+    const unsigned wpa = elements.wpa ? wpaAkms(*elements.wpa) : 0;
+    const unsigned all = rsn | wpa;
+    return {(all & AkmPsk) != 0, (all & AkmSae) != 0, (all & (AkmEnterprise | AkmSuiteB)) != 0, (all & AkmOwe) != 0};
 }
 
 platform::ScanResult deriveScanResult(const RawBssFacts& facts)

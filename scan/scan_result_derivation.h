@@ -25,6 +25,16 @@ struct RawBssFacts {
 
 platform::ScanResult deriveScanResult(const RawBssFacts& facts);
 
+// The key managements a BSS offers in its RSN and WPA elements; the security code alone cannot
+// tell WPA3-only from transition mode, or name Opportunistic Wireless Encryption.
+struct AuthenticationSuites {
+    bool psk = false;
+    bool sae = false;
+    bool enterprise = false;
+    bool owe = false;
+};
+AuthenticationSuites authenticationSuites(const QByteArray& informationElements);
+
 // Helpers exposed for the backends and their tests.
 // SSID text: UTF-8 when valid, else one Latin-1 character per byte; "" when empty or all zero.
 QString ssidText(const QByteArray& ssidBytes);

@@ -25,6 +25,14 @@ void logFailure(const QString& reason)
 
 } // namespace
 
+QString toolCommandLine(const QString& toolPath, const QStringList& arguments)
+{
+    QString command = shellQuoted(toolPath);
+    for (const QString& argument : arguments)
+        command += QLatin1Char(' ') + shellQuoted(argument);
+    return command;
+}
+
 ChannelInfoRefresher::ChannelInfoRefresher(platform::CommandRunner& commands, QString toolPath, QStringList toolArguments,
                                            QObject* parent)
     : QObject(parent), commands_(commands), toolPath_(std::move(toolPath)), toolArguments_(std::move(toolArguments))
@@ -39,10 +47,7 @@ ChannelInfoRefresher::~ChannelInfoRefresher()
 
 QString ChannelInfoRefresher::channelInfoCommand() const
 {
-    QString command = shellQuoted(toolPath_);
-    for (const QString& argument : toolArguments_)
-        command += QLatin1Char(' ') + shellQuoted(argument);
-    return command + QStringLiteral(" -s");
+    return toolCommandLine(toolPath_, toolArguments_) + QStringLiteral(" -s");
 }
 
 QString ChannelInfoRefresher::channelInfoXmlCommand() const

@@ -14,6 +14,9 @@
 
 namespace scanning {
 
+// The shell command line that runs the tool with the given arguments, each quoted as needed.
+QString toolCommandLine(const QString& toolPath, const QStringList& arguments);
+
 // The channel and security texts of the command-line tool, which the wireless service does not
 // report: re-read in the background on request, kept per BSSID for the scan processing.
 class ChannelInfoRefresher : public QObject {

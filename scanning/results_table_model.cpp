@@ -349,6 +349,13 @@ void ResultsTableModel::monitorSelected(const QString& identifier, int row)
     emit samplesWindowRequested(QStringLiteral("SSID: %1").arg(record->ssid), historyOf(record->bssid));
 }
 
+void ResultsTableModel::joinButtonPressed(int row)
+{
+    if (const scan::ScanedResultInfo* record = recordAt(row)) {
+        emit joinWindowRequested(*record);
+    }
+}
+
 QList<scan::ScanedResultInfo> ResultsTableModel::historyOf(const QString& bssid) const
 {
     return currentTest_ == nullptr ? QList<scan::ScanedResultInfo>() : currentTest_->scanedResults.value(bssid);

@@ -89,6 +89,8 @@ public:
 
     // Double click on a cell: the tag window for the tag column, the samples window elsewhere.
     void monitorSelected(const QString& identifier, int row);
+    // joinButtonPressed: a click in the join column asks for the join sheet for that row.
+    void joinButtonPressed(int row);
 
 signals:
     void tableReloaded();
@@ -97,6 +99,7 @@ signals:
     void columnVisibilityChanged(const QString& identifier, bool hidden);
     void bssidTagWindowRequested(const QString& bssid, const QString& currentTag);
     void samplesWindowRequested(const QString& header, const QList<scan::ScanedResultInfo>& history);
+    void joinWindowRequested(const scan::ScanedResultInfo& network);
 
 private:
     QList<scan::ScanedResultInfo> historyOf(const QString& bssid) const;

@@ -23,7 +23,7 @@ public:
     void disassociate() override {}
     platform::MaybeError associateToNetwork(const platform::ScanResult&, const QString&) override { return {}; }
     platform::MaybeError associateToEnterpriseNetwork(const platform::ScanResult&, const QString&, const QString&,
-                                                      const QString&) override
+                                                      const QString&, const platform::EapOptions&) override
     {
         return {};
     }

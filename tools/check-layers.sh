@@ -22,6 +22,8 @@ allowed() {
         plot) echo "" ;;
         monitor) echo "core platform/api scan scanning" ;;
         monitor/view) echo "core platform/api scan scanning monitor plot" ;;
+        interface) echo "core platform/api scan scanning" ;;
+        interface/view) echo "core platform/api scan scanning interface plot" ;;
         testsupport) echo "core platform/api scan scanning" ;;
         app/*) echo "*" ;;
         *) echo "?" ;;
@@ -30,14 +32,14 @@ allowed() {
 
 layer_of() {
     case $1 in
-        platform/*/*|app/*/*|scanning/view/*|graphs/view/*|monitor/view/*|sensor/view/*) echo "$1" | cut -d/ -f1-2 ;;
+        platform/*/*|app/*/*|scanning/view/*|graphs/view/*|monitor/view/*|sensor/view/*|interface/view/*) echo "$1" | cut -d/ -f1-2 ;;
         */*) echo "$1" | cut -d/ -f1 ;;
         *) echo "" ;;
     esac
 }
 
 status=0
-for file in $(find core platform plot scan scanning graphs monitor sensor testsupport app \
+for file in $(find core platform plot scan scanning graphs monitor interface sensor testsupport app \
         \( -name tests -prune \) -o \( -name '*.h' -o -name '*.cpp' \) -print 2>/dev/null | sort); do
     own=$(layer_of "$file")
     rules=$(allowed "$own")

@@ -2,6 +2,7 @@
 #include "app/cli/decode_command.h"
 #include "app/cli/listen_command.h"
 #include "app/cli/monitor_command.h"
+#include "app/cli/report_command.h"
 #include "app/cli/scan_command.h"
 #include "app/cli/sensor_send_command.h"
 #include "app/cli/tool_command.h"
@@ -26,7 +27,8 @@ void printUsage(std::FILE* stream)
                "       skyvane-cli decode FILE\n"
                "       skyvane-cli [BACKEND] -s | -s -x | -I | watch [--interval SECONDS] [--count N]\n"
                "       skyvane-cli [BACKEND] scan [OPTIONS]\n"
-               "       skyvane-cli [BACKEND] monitor BSSID [--interval SECONDS] [--count N] [--beep]\n\n"
+               "       skyvane-cli [BACKEND] monitor BSSID [--interval SECONDS] [--count N] [--beep]\n"
+               "       skyvane-cli [BACKEND] report FILE [--duration SECONDS]\n\n"
                "commands:\n"
                "  decode FILE           every beacon and probe response of a pcap or pcapng file as JSON lines\n",
                stream);
@@ -34,6 +36,7 @@ void printUsage(std::FILE* stream)
     std::fputs(app::cli::toolUsage().toUtf8().constData(), stream);
     std::fputs("\nmonitor command:\n", stream);
     std::fputs(app::cli::monitorUsage().toUtf8().constData(), stream);
+    std::fputs(app::cli::reportUsage().toUtf8().constData(), stream);
     std::fputs("\nsensor commands:\n", stream);
     std::fputs(app::cli::listenUsage().toUtf8().constData(), stream);
     std::fputs(app::cli::sensorSendUsage().toUtf8().constData(), stream);
@@ -45,7 +48,7 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char* argv[], std::
 {
     bool paints = false;
     for (int i = 1; i < argc; ++i)
-        paints = paints || std::strcmp(argv[i], "html-graphs") == 0;
+        paints = paints || std::strcmp(argv[i], "html-graphs") == 0 || std::strcmp(argv[i], "report") == 0;
     if (!paints)
         return std::make_unique<QCoreApplication>(argc, argv);
     static char platformOption[] = "-platform";
@@ -124,6 +127,14 @@ int main(int argc, char* argv[])
         SettingsStore settings;
         settings.setupDefaults();
         return app::cli::runScan(*scan, settings, stdout, stderr);
+    }
+    if (command == u"report") {
+        const auto report = app::cli::parseReportArguments(arguments, &error);
+        if (!report) {
+            std::fprintf(stderr, "skyvane-cli: %s\n", error.toUtf8().constData());
+            return 2;
+        }
+        return app::cli::runReport(*report, stdout, stderr);
     }
     const auto request = app::cli::parseToolArguments(arguments, &error);
     if (!request) {

@@ -74,6 +74,8 @@ std::optional<ToolRequest> parseToolArguments(const QStringList& arguments, QStr
             link = true;
         } else if (argument == u"watch") {
             watch = true;
+        } else if (argument == u"--explain") {
+            request.explain = true;
         } else if (matchesOption(argument, QStringLiteral("--interval"))) {
             const auto text = optionValue(arguments, i, QStringLiteral("--interval"), error);
             bool ok = false;
@@ -98,6 +100,10 @@ std::optional<ToolRequest> parseToolArguments(const QStringList& arguments, QStr
 
     if (static_cast<int>(scan) + static_cast<int>(link) + static_cast<int>(watch) != 1) {
         *error = QStringLiteral("give exactly one of -s, -I and watch");
+        return std::nullopt;
+    }
+    if (request.explain && !link) {
+        *error = QStringLiteral("--explain goes with -I");
         return std::nullopt;
     }
     if (xml && !scan) {
@@ -126,7 +132,8 @@ QString toolUsage()
     return QStringLiteral(
         "  -s                    networks in range, one line each\n"
         "  -s -x                 networks in range as an XML property list\n"
-        "  -I                    the current link, one \"key: value\" line each\n"
+        "  -I [--explain]        the current link, one \"key: value\" line each; --explain adds where each\n"
+        "                        value came from\n"
         "  watch                 -s again every --interval SECONDS (5), --count N times or until Ctrl-C\n"
         "\nBACKEND (default: the first Wi-Fi interface, else the simulated environment):\n"
         "  --interface NAME      this Wi-Fi interface\n"
@@ -145,7 +152,7 @@ int runToolRequest(const ToolRequest& request, std::FILE* out, std::FILE* err)
 
     switch (request.action) {
     case ToolAction::LinkReport:
-        writeText(out, linkReport(backend->interface->snapshot(), backend->interface->generation()));
+        writeText(out, linkReport(backend->interface->snapshot(), backend->interface->generation(), request.explain));
         return 0;
     case ToolAction::Watch:
         return runWatch(request, *backend, out, err);

@@ -20,6 +20,7 @@ struct ToolRequest {
     ToolAction action = ToolAction::ScanListing;
     std::chrono::milliseconds watchInterval{5000};
     std::optional<int> watchCount;  // until stopped when absent
+    bool explain = false;           // -I: say where each value came from
 };
 
 // nullopt with *error naming the offending argument when the arguments form no request.

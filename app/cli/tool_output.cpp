@@ -3,6 +3,7 @@
 #include "app/cli/network_summary.h"
 #include "scan/scanner_utils.h"
 
+#include <QMap>
 #include <QStringList>
 #include <QXmlStreamWriter>
 
@@ -190,7 +191,7 @@ QByteArray scanPropertyList(const QList<platform::ScanResult>& networks, core::I
     return out;
 }
 
-QString linkReport(const platform::InterfaceSnapshot& snapshot, core::InterfaceGeneration generation)
+QString linkReport(const platform::InterfaceSnapshot& snapshot, core::InterfaceGeneration generation, bool explain)
 {
     QList<std::pair<QString, QString>> lines{
         {QStringLiteral("agrCtlRSSI"), QString::number(snapshot.rssiValue)},
@@ -220,9 +221,35 @@ QString linkReport(const platform::InterfaceSnapshot& snapshot, core::InterfaceG
     }
     lines.append({QStringLiteral("country"), countryColumn(snapshot.countryCode)});
 
+    // Which snapshot member each line shows, for --explain.
+    static const QMap<QString, QString> members{
+        {QStringLiteral("agrCtlRSSI"), QStringLiteral("rssiValue")},
+        {QStringLiteral("agrCtlNoise"), QStringLiteral("noiseMeasurement")},
+        {QStringLiteral("power"), QStringLiteral("powerOn")},
+        {QStringLiteral("state"), QStringLiteral("interfaceState")},
+        {QStringLiteral("op mode"), QStringLiteral("interfaceMode")},
+        {QStringLiteral("lastTxRate"), QStringLiteral("transmitRate")},
+        {QStringLiteral("txPower"), QStringLiteral("transmitPower")},
+        {QStringLiteral("link auth"), QStringLiteral("security")},
+        {QStringLiteral("BSSID"), QStringLiteral("bssid")},
+        {QStringLiteral("SSID"), QStringLiteral("ssid")},
+        {QStringLiteral("MCS"), QStringLiteral("mcsIndex")},
+        {QStringLiteral("NSS"), QStringLiteral("spatialStreams")},
+        {QStringLiteral("guardInterval"), QStringLiteral("shortGuardInterval")},
+        {QStringLiteral("channel"), QStringLiteral("wlanChannel")},
+        {QStringLiteral("channel band"), QStringLiteral("wlanChannel")},
+        {QStringLiteral("channel width"), QStringLiteral("wlanChannel")},
+        {QStringLiteral("country"), QStringLiteral("countryCode")},
+    };
     QString text;
-    for (const auto& [key, value] : lines)
-        text += QStringLiteral("%1: %2\n").arg(key.rightJustified(15, QLatin1Char(' ')), value);
+    for (const auto& [key, value] : lines) {
+        text += QStringLiteral("%1: %2").arg(key.rightJustified(15, QLatin1Char(' ')), value);
+        if (explain) {
+            const QString source = snapshot.sources.value(members.value(key), snapshot.sources.value(QStringLiteral("*")));
+            text += QStringLiteral("   [%1]").arg(source.isEmpty() ? QStringLiteral("not reported") : source);
+        }
+        text += QLatin1Char('\n');
+    }
     return text;
 }
 

@@ -24,7 +24,9 @@ QString scanListing(const QList<platform::ScanResult>& networks);
 // backend's interface generation names them.
 QByteArray scanPropertyList(const QList<platform::ScanResult>& networks, core::InterfaceGeneration generation);
 
-// One right-aligned "key: value" line per fact of the current link.
-QString linkReport(const platform::InterfaceSnapshot& snapshot, core::InterfaceGeneration generation);
+// One right-aligned "key: value" line per fact of the current link; with explain, each line
+// ends in the source the backend named for it, in brackets.
+QString linkReport(const platform::InterfaceSnapshot& snapshot, core::InterfaceGeneration generation,
+                   bool explain = false);
 
 } // namespace app::cli

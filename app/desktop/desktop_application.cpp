@@ -1,6 +1,7 @@
 #include "app/desktop/desktop_application.h"
 
 #include "app/cli/cli_arguments.h"
+#include "app/desktop/connected_ssid_tab.h"
 #include "app/desktop/general_preferences.h"
 #include "app/desktop/interface_state_reactions.h"
 #include "app/desktop/log_category.h"
@@ -22,6 +23,7 @@
 #include "scanning/results_table_model.h"
 #include "scanning/scan_database.h"
 #include "scanning/scan_test_driver.h"
+#include "scanning/channel_info_refresher.h"
 #include "scanning/timer_source.h"
 #include "scanning/view/results_table_view.h"
 #include "scanning/view/export_menu.h"
@@ -122,6 +124,15 @@ bool DesktopApplication::launch()
     mainWindow_ = std::make_unique<ScanMainWindow>(tab, parts_->settings, parts_->backend.statusText);
     addSensorListenerTab();
     addMonitorWindows(tab);
+    connectedSsid_ = std::make_unique<ConnectedSsidTab>(
+        ConnectedSsidTab::Services{parts_->backend.client, parts_->backend.interface, parts_->timers, parts_->commands,
+                                   scanning::toolCommandLine(QDir(QCoreApplication::applicationDirPath())
+                                                                 .filePath(QStringLiteral("skyvane-cli")),
+                                                             app::cli::backendArguments(arguments_.backend)) +
+                                       QStringLiteral(" -I"),
+                                   *driver_, *results_, parts_->events, parts_->settings, arguments_.explain,
+                                   tab->exportMenu()},
+        *mainWindow_);
     mainWindow_->restoreWindowState();
     connect(mainWindow_.get(), &ScanMainWindow::settingChanged, tab, [this, tab](const QString& key) {
         if (key == QLatin1String(GeneralPreferences::fontSizeKey))
@@ -266,6 +277,7 @@ void DesktopApplication::terminate()
     driver_->waitForBackgroundWork();
     mainWindow_->saveWindowState();
     monitors_->closeAll();
+    connectedSsid_.reset();
     mainWindow_->hide();
     sensorListener_->finish();
     database_->close();

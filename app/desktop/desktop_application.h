@@ -43,6 +43,7 @@ class SensorListenerSession;
 // results model, events and windows in launch order, and runs the quit sequence.
 namespace app::desktop {
 
+class ConnectedSsidTab;
 class InterfaceStateReactions;
 class MonitorWindows;
 class ReachabilityMonitor;
@@ -70,6 +71,7 @@ public:
     graphs::view::GraphTabWidget* graphTabs() const { return graphTabs_; }
     WiFiTurnedOffWindow* wifiTurnedOffWindow() const { return turnWiFiOnOffWindow_; }
     ReviewWindow* reviewWindow() const { return reivewController_; }
+    ConnectedSsidTab* connectedSsidTab() const { return connectedSsid_.get(); }
     QString backendStatus() const;
     sensor::SensorListenerSession* sensorListener() const { return sensorListener_.get(); }
     std::shared_ptr<platform::WirelessInterface> currentInterface() const;
@@ -101,6 +103,7 @@ private:
     std::unique_ptr<graphs::view::ReportGraphImages> reportImages_;
     std::unique_ptr<QuitSequence> quit_;
     std::unique_ptr<ScanMainWindow> mainWindow_;
+    std::unique_ptr<ConnectedSsidTab> connectedSsid_;
     InterfaceStateReactions* reactions_ = nullptr;
     ReachabilityMonitor* reachability_ = nullptr;
     MonitorWindows* monitors_ = nullptr;

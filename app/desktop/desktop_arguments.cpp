@@ -22,6 +22,7 @@ void describeOptions(QCommandLineParser& parser)
         {QStringLiteral("capture"), QStringLiteral("Replay the beacons of a pcap or pcapng FILE."),
          QStringLiteral("FILE")},
         {QStringLiteral("db"), QStringLiteral("Keep the scans in the database at PATH."), QStringLiteral("PATH")},
+        {QStringLiteral("explain"), QStringLiteral("Show where each value of the Connected SSID tab came from.")},
     });
     parser.addHelpOption();
     parser.addVersionOption();
@@ -85,6 +86,7 @@ DesktopArguments parseDesktopArguments(const QStringList& arguments)
                                                        QCoreApplication::applicationVersion());
         return result;
     }
+    result.explain = parser.isSet(QStringLiteral("explain"));
     if (!parser.positionalArguments().isEmpty())
         return failure(QStringLiteral("unexpected argument \"%1\"").arg(parser.positionalArguments().constFirst()));
     if (const auto conflict = app::cli::backendOptionsConflict(result.backend))

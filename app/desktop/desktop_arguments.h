@@ -14,6 +14,7 @@ struct DesktopArguments {
     Action action = Action::Run;
     app::BackendOptions backend;
     QString databasePath;  // empty: the desktop's own database
+    bool explain = false;  // the interface tab names each value's source
     // The help or version text to print, or why the arguments were refused.
     QString message;
 };

@@ -38,7 +38,8 @@ public:
     virtual void disassociate() = 0;
     virtual MaybeError associateToNetwork(const ScanResult& network, const QString& password) = 0;
     virtual MaybeError associateToEnterpriseNetwork(const ScanResult& network, const QString& identity,
-                                                    const QString& username, const QString& password) = 0;
+                                                    const QString& username, const QString& password,
+                                                    const EapOptions& eap) = 0;
     virtual MaybeError startIBSSModeWithSSID(const QByteArray& ssid, int security, int channel,
                                              const QString& password) = 0;
 

@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QMap>
 #include <QString>
 
 #include <optional>
@@ -61,6 +62,10 @@ struct InterfaceSnapshot {
     std::optional<int> spatialStreams;
     std::optional<bool> shortGuardInterval;
     std::optional<int> channelWidthMhz;
+    // Where each value came from, keyed by the member's name (e.g. "rssiValue"), for a user who
+    // reports a wrong value; a backend fills in what it can say. The key "*" names the source of
+    // every value without an entry of its own.
+    QMap<QString, QString> sources;
 
     // The oldest generation's operating mode for the same state.
     int opMode() const;
@@ -82,6 +87,14 @@ struct EapProfile {
     QString ssid;
     QString username;
     QString password;
+};
+
+// How an 802.1X join authenticates: the inner method, and the CA certificate the server's is
+// checked against (empty: the system's default store).
+struct EapOptions {
+    enum class Method { PeapMschapv2, TtlsPap };
+    Method method = Method::PeapMschapv2;
+    QString caCertificatePath;
 };
 
 struct EapCredentials {

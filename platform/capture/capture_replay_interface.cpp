@@ -67,6 +67,7 @@ platform::InterfaceSnapshot CaptureReplayInterface::snapshot() const
     snapshot.powerOn = true;
     snapshot.interfaceMode = platform::InterfaceModeStation;
     snapshot.interfaceState = platform::InterfaceStateInactive;
+    snapshot.sources.insert(QStringLiteral("*"), QStringLiteral("a replayed capture, which has no live link"));
     return snapshot;
 }
 
@@ -175,7 +176,8 @@ platform::MaybeError CaptureReplayInterface::associateToNetwork(const platform::
 }
 
 platform::MaybeError CaptureReplayInterface::associateToEnterpriseNetwork(const platform::ScanResult&, const QString&,
-                                                                          const QString&, const QString&)
+                                                                     const QString&, const QString&,
+                                                                     const platform::EapOptions&)
 {
     return notPossible(QStringLiteral("Joining a network"));
 }

@@ -44,7 +44,8 @@ public:
     void disassociate() override {}
     platform::MaybeError associateToNetwork(const platform::ScanResult& network, const QString& password) override;
     platform::MaybeError associateToEnterpriseNetwork(const platform::ScanResult& network, const QString& identity,
-                                                      const QString& username, const QString& password) override;
+                                                      const QString& username, const QString& password,
+                                                      const platform::EapOptions& eap) override;
     platform::MaybeError startIBSSModeWithSSID(const QByteArray& ssid, int security, int channel,
                                                const QString& password) override;
 

@@ -155,11 +155,17 @@ InterfaceSnapshot LinuxWirelessInterface::snapshot() const
     snapshot.supportedPHYModes = wiphy.phyModes;
     snapshot.interfaceMode = modeForIftype(info->iftype);
     snapshot.powerOn = powerOn(wiphy.name);
+    auto& sources = snapshot.sources;
+    sources.insert(QStringLiteral("supportedWLANChannels"), QStringLiteral("nl80211 wiphy %1: enabled channels").arg(wiphy.name));
+    sources.insert(QStringLiteral("supportedPHYModes"), QStringLiteral("nl80211 wiphy %1: band capabilities").arg(wiphy.name));
+    sources.insert(QStringLiteral("interfaceMode"), QStringLiteral("nl80211 interface type"));
+    sources.insert(QStringLiteral("powerOn"), QStringLiteral("rfkill soft/hard block, else NetworkManager WirelessEnabled"));
     if (info->wiphy) {
         const auto regulatory = socket.regulatory(*info->wiphy);
         // "00" is the kernel's world domain: no country has been set.
         if (regulatory && regulatory->alpha2 != QStringLiteral("00"))
             snapshot.countryCode = regulatory->alpha2;
+        sources.insert(QStringLiteral("countryCode"), QStringLiteral("nl80211 regulatory domain of the wiphy"));
     }
     if (!snapshot.powerOn)
         return snapshot;
@@ -169,6 +175,9 @@ InterfaceSnapshot LinuxWirelessInterface::snapshot() const
         snapshot.transmitPower = platform::nl80211::milliwattsFromMbm(*info->txPowerMbm);
     snapshot.ssidData = info->ssid;
     snapshot.ssid = scan::ssidText(info->ssid);
+    sources.insert(QStringLiteral("wlanChannel"), QStringLiteral("nl80211 interface: frequency and channel width"));
+    sources.insert(QStringLiteral("transmitPower"), QStringLiteral("nl80211 interface: tx power level"));
+    sources.insert(QStringLiteral("ssid"), QStringLiteral("nl80211 interface SSID"));
 
     std::optional<ScanResult> accessPoint;
     for (const auto& entry : socket.scanDump(index, nullptr)) {
@@ -179,18 +188,28 @@ InterfaceSnapshot LinuxWirelessInterface::snapshot() const
         return snapshot;
     snapshot.interfaceState = InterfaceStateRunning;
     snapshot.bssid = accessPoint->bssid;
+    sources.insert(QStringLiteral("interfaceState"), QStringLiteral("nl80211 scan dump: a BSS marked associated"));
+    sources.insert(QStringLiteral("bssid"), QStringLiteral("nl80211 scan dump: the associated BSS"));
     if (snapshot.ssidData.isEmpty()) {
         snapshot.ssidData = accessPoint->ssidData;
         snapshot.ssid = accessPoint->ssid;
+        sources.insert(QStringLiteral("ssid"), QStringLiteral("beacon of the associated BSS"));
     }
+    sources.insert(QStringLiteral("security"), QStringLiteral("RSN/WPA elements of the associated BSS's beacon"));
+    sources.insert(QStringLiteral("activePHYMode"), QStringLiteral("beacon elements and wiphy capabilities"));
+    sources.insert(QStringLiteral("rssiValue"), QStringLiteral("nl80211 scan dump: BSS signal"));
     snapshot.security = accessPoint->securityMode;
     snapshot.activePHYMode = platform::nl80211::activePhyMode(wiphy, *accessPoint);
     snapshot.rssiValue = accessPoint->rssiValue;
 
     if (const auto station = socket.station(index, accessPoint->bssid)) {
-        if (station->signalDbm)
+        if (station->signalDbm) {
             snapshot.rssiValue = *station->signalDbm;
+            sources.insert(QStringLiteral("rssiValue"), QStringLiteral("nl80211 station info: signal"));
+        }
         if (const auto& rate = station->txRate) {
+            for (const char* key : {"transmitRate", "mcsIndex", "spatialStreams", "shortGuardInterval", "channelWidthMhz"})
+                sources.insert(QLatin1String(key), QStringLiteral("nl80211 station info: tx bitrate"));
             snapshot.transmitRate = rate->bitrate100Kbps.value_or(0) / 10.0;
             snapshot.mcsIndex = rate->mcs;
             snapshot.spatialStreams = rate->spatialStreams;
@@ -199,8 +218,10 @@ InterfaceSnapshot LinuxWirelessInterface::snapshot() const
         }
     }
     for (const auto& entry : socket.survey(index)) {
-        if (entry.inUse && entry.noiseDbm)
+        if (entry.inUse && entry.noiseDbm) {
             snapshot.noiseMeasurement = *entry.noiseDbm;
+            sources.insert(QStringLiteral("noiseMeasurement"), QStringLiteral("nl80211 survey of the channel in use"));
+        }
     }
     return snapshot;
 }

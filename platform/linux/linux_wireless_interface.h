@@ -5,8 +5,11 @@
 #include "platform/linux/nl80211_socket.h"
 #include "platform/linux/rfkill.h"
 
+#include <QElapsedTimer>
+
 #include <chrono>
 #include <memory>
+#include <mutex>
 
 class QSocketNotifier;
 
@@ -33,7 +36,8 @@ public:
     void disassociate() override;
     MaybeError associateToNetwork(const ScanResult& network, const QString& password) override;
     MaybeError associateToEnterpriseNetwork(const ScanResult& network, const QString& identity,
-                                            const QString& username, const QString& password) override;
+                                            const QString& username, const QString& password,
+                                            const EapOptions& eap) override;
     MaybeError startIBSSModeWithSSID(const QByteArray& ssid, int security, int channel,
                                      const QString& password) override;
 
@@ -56,12 +60,19 @@ private:
     void waitForKernelScan(int index, const QList<QByteArray>& probes) const;
     QList<ScanResult> collectResults(platform::nl80211::RequestSocket& socket, int index, MaybeError* error) const;
     void readConfigEvents();
+    // The stored secrets of one SSID, asked of NetworkManager once for the three look-ups a
+    // join sheet makes in a row; each ask may cost the user a polkit prompt.
+    std::optional<NmSecrets> storedSecrets(const QByteArray& ssid) const;
 
     QString name_;
     std::shared_ptr<NetworkManagerClient> networkManager_;
     platform::rfkill::RfkillMonitor* rfkill_ = nullptr;
     std::unique_ptr<platform::nl80211::EventSocket> configEvents_;
     QSocketNotifier* configNotifier_ = nullptr;
+    mutable std::mutex secretsMutex_;
+    mutable QByteArray secretsSsid_;
+    mutable std::optional<NmSecrets> secrets_;
+    mutable QElapsedTimer secretsAge_;
 };
 
 } // namespace platform

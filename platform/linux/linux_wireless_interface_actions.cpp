@@ -38,13 +38,15 @@ MaybeError LinuxWirelessInterface::associateToNetwork(const ScanResult& network,
     request.devicePath = device.value;
     request.ssid = network.ssidData;
     request.bssid = network.bssid;
-    request.security = nmSecurityKindForCode(network.securityMode);
+    const scan::AuthenticationSuites suites = scan::authenticationSuites(network.informationElementData);
+    request.security = nmSecurityKindForNetwork(network.securityMode, suites.psk, suites.sae, suites.owe);
     request.passphrase = password;
     return networkManager_->connectToNetwork(request);
 }
 
 MaybeError LinuxWirelessInterface::associateToEnterpriseNetwork(const ScanResult& network, const QString& identity,
-                                                                const QString& username, const QString& password)
+                                                                const QString& username, const QString& password,
+                                                                const EapOptions& eap)
 {
     const auto device = devicePath();
     if (!device.ok())
@@ -57,6 +59,9 @@ MaybeError LinuxWirelessInterface::associateToEnterpriseNetwork(const ScanResult
                                                                   : NmSecurityKind::Enterprise;
     request.identity = identity;
     request.username = username;
+    request.eapMethod = eap.method == EapOptions::Method::TtlsPap ? QStringLiteral("ttls") : QStringLiteral("peap");
+    request.phase2Auth = eap.method == EapOptions::Method::TtlsPap ? QStringLiteral("pap") : QStringLiteral("mschapv2");
+    request.caCertificatePath = eap.caCertificatePath;
     request.passphrase = password;
     return networkManager_->connectToNetwork(request);
 }
@@ -105,7 +110,7 @@ std::optional<QString> LinuxWirelessInterface::copyPassword(const QByteArray& ss
 {
     if (!networkManagerAvailable())
         return std::nullopt;
-    const auto secrets = networkManager_->secretsForSsid(ssid);
+    const auto secrets = storedSecrets(ssid);
     return secrets ? secrets->passphrase : std::nullopt;
 }
 
@@ -113,7 +118,7 @@ std::optional<EapCredentials> LinuxWirelessInterface::copyEAPUsernameAndPassword
 {
     if (!networkManagerAvailable())
         return std::nullopt;
-    const auto secrets = networkManager_->secretsForSsid(ssid);
+    const auto secrets = storedSecrets(ssid);
     if (!secrets || (!secrets->eapUsername && !secrets->eapPassword))
         return std::nullopt;
     return EapCredentials{secrets->eapUsername.value_or(QString()), secrets->eapPassword.value_or(QString())};
@@ -123,8 +128,21 @@ std::optional<QString> LinuxWirelessInterface::copyEAPIdentity(const QByteArray&
 {
     if (!networkManagerAvailable())
         return std::nullopt;
-    const auto secrets = networkManager_->secretsForSsid(ssid);
+    const auto secrets = storedSecrets(ssid);
     return secrets ? secrets->eapIdentity : std::nullopt;
+}
+
+std::optional<NmSecrets> LinuxWirelessInterface::storedSecrets(const QByteArray& ssid) const
+{
+    // Long enough for one opening of the join sheet, short enough that a changed profile shows.
+    constexpr qint64 reuseMs = 10000;
+    const std::lock_guard lock(secretsMutex_);
+    if (secretsAge_.isValid() && secretsSsid_ == ssid && !secretsAge_.hasExpired(reuseMs))
+        return secrets_;
+    secrets_ = networkManager_->secretsForSsid(ssid);
+    secretsSsid_ = ssid;
+    secretsAge_.start();
+    return secrets_;
 }
 
 } // namespace platform

@@ -9,6 +9,7 @@
 #include <QDBusVariant>
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QThread>
 #include <QTimer>
 #include <QUuid>
 
@@ -28,6 +29,7 @@ const QString managerInterface = QStringLiteral("org.freedesktop.NetworkManager"
 const QString settingsInterface = QStringLiteral("org.freedesktop.NetworkManager.Settings");
 const QString connectionInterface = QStringLiteral("org.freedesktop.NetworkManager.Settings.Connection");
 const QString deviceInterface = QStringLiteral("org.freedesktop.NetworkManager.Device");
+const QString activeInterface = QStringLiteral("org.freedesktop.NetworkManager.Connection.Active");
 const QString wirelessInterface = QStringLiteral("org.freedesktop.NetworkManager.Device.Wireless");
 const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 const QString propertiesChanged = QStringLiteral("PropertiesChanged");
@@ -35,6 +37,10 @@ const char* const propertiesChangedSlot = "onPropertiesChanged(QString,QVariantM
 
 constexpr uint deviceTypeWifi = 2;
 constexpr int scanPollMs = 200;
+constexpr int activationPollMs = 200;
+// NMActiveConnectionState
+constexpr uint activeStateActivated = 2;
+constexpr uint activeStateDeactivated = 4;
 
 void registerDBusTypes()
 {
@@ -128,7 +134,37 @@ private:
     QEventLoop& loop_;
 };
 
+// The (state, reason) pair of a device's StateReason property; reason 0 when it cannot be read.
+uint reasonOf(const QVariant& stateReason)
+{
+    if (!stateReason.canConvert<QDBusArgument>())
+        return 0;
+    const QDBusArgument argument = stateReason.value<QDBusArgument>();
+    uint state = 0;
+    uint reason = 0;
+    argument.beginStructure();
+    argument >> state >> reason;
+    argument.endStructure();
+    return reason;
+}
+
 } // namespace
+
+QString nmDeviceStateReasonText(uint reason)
+{
+    switch (reason) {
+    case 7: return QStringLiteral("no secrets");
+    case 8: return QStringLiteral("wrong password");
+    case 9: return QStringLiteral("the Wi-Fi settings were refused");
+    case 10: return QStringLiteral("authentication failed");
+    case 11: return QStringLiteral("authentication timed out");
+    case 5: case 15: case 16: case 17: return QStringLiteral("no IP address was obtained");
+    case 36: return QStringLiteral("a newer connection took over the device");
+    case 39: return QStringLiteral("the user disconnected");
+    case 53: return QStringLiteral("network not found");
+    default: return QStringLiteral("NetworkManager gave reason %1").arg(reason);
+    }
+}
 
 NetworkManagerClient::NetworkManagerClient(QDBusConnection bus, QString service, NmTimeouts timeouts, QObject* parent)
     : QObject(parent), bus_(std::move(bus)), service_(std::move(service)), timeouts_(timeouts)
@@ -357,11 +393,62 @@ MaybeError NetworkManagerClient::addAndActivate(const NmConnectionSettings& sett
 {
     if (!isObjectPath(devicePath) || !isObjectPath(specificObject))
         return invalidArgument(QStringLiteral("The Wi-Fi device or network is not a NetworkManager object."));
-    return call(managerPath, managerInterface, QStringLiteral("AddAndActivateConnection"),
-                {QVariant::fromValue(settings), QVariant::fromValue(QDBusObjectPath(devicePath)),
-                 QVariant::fromValue(QDBusObjectPath(specificObject))},
-                timeouts_.authorisedActionMs)
-        .error;
+    const auto reply = call(managerPath, managerInterface, QStringLiteral("AddAndActivateConnection"),
+                            {QVariant::fromValue(settings), QVariant::fromValue(QDBusObjectPath(devicePath)),
+                             QVariant::fromValue(QDBusObjectPath(specificObject))},
+                            timeouts_.authorisedActionMs);
+    if (!reply.ok())
+        return reply.error;
+    const QVariantList paths = reply.value.arguments();
+    const QString connectionPath = qdbus_cast<QDBusObjectPath>(paths.value(0)).path();
+    const QString activePath = qdbus_cast<QDBusObjectPath>(paths.value(1)).path();
+    const QString ssidText =
+        QString::fromUtf8(settings.value(QStringLiteral("802-11-wireless")).value(QStringLiteral("ssid")).toByteArray());
+    const MaybeError failed = waitForActivation(activePath, devicePath, ssidText);
+    if (failed && isObjectPath(connectionPath) && connectionPath != QLatin1String("/")) {
+        // Only the profile this call made: it never worked, and keeping it would make
+        // NetworkManager retry it on its own.
+        call(managerPath, managerInterface, QStringLiteral("DeactivateConnection"),
+             {QVariant::fromValue(QDBusObjectPath(activePath))}, timeouts_.queryMs);
+        call(connectionPath, connectionInterface, QStringLiteral("Delete"), {}, timeouts_.authorisedActionMs);
+    }
+    return failed;
+}
+
+MaybeError NetworkManagerClient::waitForActivation(const QString& activePath, const QString& devicePath,
+                                                   const QString& ssidText)
+{
+    const auto failure = [&](uint reason, const QString& words) {
+        return PlatformError{QString::fromLatin1(defaultService), static_cast<int>(reason),
+                             QStringLiteral("Could not join \u201C%1\u201D: %2.").arg(ssidText, words), words,
+                             reason == 8 || reason == 7
+                                 ? QStringLiteral("Check the password and try again.")
+                                 : QString()};
+    };
+    const auto deviceReason = [&] {
+        const auto reason = call(devicePath, propertiesInterface, QStringLiteral("Get"),
+                                 {deviceInterface, QStringLiteral("StateReason")}, timeouts_.queryMs);
+        return reason.ok() ? reasonOf(unwrapVariant(firstArgument(reason.value))) : 0u;
+    };
+    if (!isObjectPath(activePath) || activePath == QLatin1String("/"))
+        return failure(0, QStringLiteral("NetworkManager did not start the connection"));
+    QElapsedTimer elapsed;
+    elapsed.start();
+    for (;;) {
+        const auto state = call(activePath, propertiesInterface, QStringLiteral("Get"),
+                                {activeInterface, QStringLiteral("State")}, timeouts_.queryMs);
+        // A failed activation removes its object, so "gone" is a failure like "deactivated".
+        const uint value = state.ok() ? unwrapVariant(firstArgument(state.value)).toUInt() : activeStateDeactivated;
+        if (value == activeStateActivated)
+            return std::nullopt;
+        if (value >= activeStateDeactivated) {
+            const uint reason = deviceReason();
+            return failure(reason, nmDeviceStateReasonText(reason));
+        }
+        if (elapsed.elapsed() >= timeouts_.activationMs)
+            return failure(0, QStringLiteral("NetworkManager did not finish connecting in time"));
+        QThread::msleep(activationPollMs);
+    }
 }
 
 NmResult<NmConnectionSettings> NetworkManagerClient::connectionSettings(const QString& connectionPath) const

@@ -27,12 +27,16 @@ enum class NmSecurityKind {
     Wep,
     WpaPersonal,   // WPA/WPA2, and WPA3 where the access point offers it
     Wpa3Personal,  // SAE only
+    Owe,           // Opportunistic Wireless Encryption: encrypted, no passphrase
     DynamicWep,    // 802.1X with WEP keys
     Enterprise,    // WPA/WPA2/WPA3 with 802.1X
 };
 
 // The kind to connect with for a network's security code (platform::SecurityCode).
 NmSecurityKind nmSecurityKindForCode(int securityCode);
+// The same, refined by the key managements the network's elements offer: SAE without PSK
+// needs "sae", OWE without a passphrase kind needs "owe".
+NmSecurityKind nmSecurityKindForNetwork(int securityCode, bool offersPsk, bool offersSae, bool offersOwe);
 
 // A value or the error that prevented it.
 template <typename T>
@@ -51,6 +55,9 @@ struct NmConnectRequest {
     QString passphrase;       // the PSK, the WEP key, or the 802.1X password
     QString identity;         // 802.1X outer identity; also the user name when username is empty
     QString username;         // 802.1X user name
+    QString eapMethod = QStringLiteral("peap");
+    QString phase2Auth = QStringLiteral("mschapv2");
+    QString caCertificatePath;  // empty: the system's CA store
 };
 
 struct NmWifiProfile {
@@ -76,7 +83,12 @@ struct NmTimeouts {
     int queryMs = 5000;
     // Calls NetworkManager may hold while a polkit agent asks the user to authenticate.
     int authorisedActionMs = 90000;
+    // From accepting a profile to the link being up: association, authentication and DHCP.
+    int activationMs = 45000;
 };
+
+// NetworkManager's reason for a device's last state change (NMDeviceStateReason) in words.
+QString nmDeviceStateReasonText(uint reason);
 
 class NetworkManagerClient : public QObject {
     Q_OBJECT
@@ -110,8 +122,9 @@ public:
 
     // Leaves the current network and keeps the device from rejoining on its own.
     MaybeError disconnectDevice(const QString& devicePath);
-    // Creates a profile limited to the current user and activates it; success means that
-    // NetworkManager accepted it, not that the link is up yet.
+    // Creates a profile limited to the current user and activates it; success means the
+    // connection reached "activated". On failure the profile made for it is deleted again, so
+    // a failed join leaves nothing behind; profiles that existed before are never touched.
     MaybeError connectToNetwork(const NmConnectRequest& request);
     // An ad-hoc network on a 2.4 or 5 GHz channel; security is Open, Wep or WpaPersonal.
     MaybeError startAdHoc(const QString& devicePath, const QByteArray& ssid, int channel,
@@ -138,6 +151,8 @@ private:
                                 const QVariantList& arguments, int timeoutMs) const;
     MaybeError addAndActivate(const NmConnectionSettings& settings, const QString& devicePath,
                               const QString& specificObject);
+    // Polls the active connection until it is activated, gone or deactivated, or time is up.
+    MaybeError waitForActivation(const QString& activePath, const QString& devicePath, const QString& ssidText);
     NmResult<NmConnectionSettings> connectionSettings(const QString& connectionPath) const;
     NmResult<NmConnectionSettings> connectionSecrets(const QString& connectionPath, const QString& setting) const;
 

@@ -29,6 +29,18 @@ NmSecurityKind nmSecurityKindForCode(int securityCode)
     }
 }
 
+NmSecurityKind nmSecurityKindForNetwork(int securityCode, bool offersPsk, bool offersSae, bool offersOwe)
+{
+    const NmSecurityKind kind = nmSecurityKindForCode(securityCode);
+    if (kind != NmSecurityKind::WpaPersonal)
+        return kind;
+    if (offersSae && !offersPsk)
+        return NmSecurityKind::Wpa3Personal;
+    if (offersOwe && !offersPsk && !offersSae)
+        return NmSecurityKind::Owe;
+    return kind;
+}
+
 namespace nm_settings {
 namespace {
 
@@ -120,12 +132,18 @@ QVariantMap eapSetting(const NmConnectRequest& request)
 {
     const QString userName = request.username.isEmpty() ? request.identity : request.username;
     QVariantMap eap{
-        {QStringLiteral("eap"), QStringList{QStringLiteral("peap")}},
+        {QStringLiteral("eap"), QStringList{request.eapMethod}},
         {QStringLiteral("identity"), userName},
         {QStringLiteral("password"), request.passphrase},
         {QStringLiteral("password-flags"), secretKeptBySystem},
-        {QStringLiteral("phase2-auth"), QStringLiteral("mschapv2")},
+        {QStringLiteral("phase2-auth"), request.phase2Auth},
     };
+    // NetworkManager takes a certificate file as a "file://" URI in bytes, ending in a NUL;
+    // without one it uses the system's CA store.
+    if (request.caCertificatePath.isEmpty())
+        eap.insert(QStringLiteral("system-ca-certs"), true);
+    else
+        eap.insert(QStringLiteral("ca-cert"), QByteArray("file://") + request.caCertificatePath.toUtf8() + QByteArray(1, '\0'));
     if (!request.identity.isEmpty() && request.identity != userName)
         eap.insert(QStringLiteral("anonymous-identity"), request.identity);
     return eap;
@@ -200,6 +218,9 @@ NmConnectionSettings infrastructure(const NmConnectRequest& request, const QStri
         break;
     case NmSecurityKind::Wpa3Personal:
         settings.insert(securityKey, pskSecurity(QStringLiteral("sae"), request.passphrase));
+        break;
+    case NmSecurityKind::Owe:
+        settings.insert(securityKey, QVariantMap{{QStringLiteral("key-mgmt"), QStringLiteral("owe")}});
         break;
     case NmSecurityKind::DynamicWep:
         settings.insert(securityKey, QVariantMap{{QStringLiteral("key-mgmt"), QStringLiteral("ieee8021x")}});

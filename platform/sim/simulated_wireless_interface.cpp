@@ -91,6 +91,7 @@ InterfaceSnapshot SimulatedWirelessInterface::snapshot() const
     s.countryCode = QString::fromLatin1(simulatedCountryCode);
     s.supportedWLANChannels = channels;
     s.supportedPHYModes = PhyA | PhyB | PhyG | PhyN | PhyAC;
+    s.sources.insert(QStringLiteral("*"), QStringLiteral("the simulated radio environment"));
     if (!powerOn_)
         return s;
     s.transmitPower = environment_->transmitPowerMw(now);
@@ -208,7 +209,8 @@ MaybeError SimulatedWirelessInterface::associateToNetwork(const ScanResult& netw
 }
 
 MaybeError SimulatedWirelessInterface::associateToEnterpriseNetwork(const ScanResult& network, const QString& identity,
-                                                                    const QString& username, const QString& password)
+                                                                    const QString& username, const QString& password,
+                                                                    const EapOptions&)
 {
     return join(network, Credentials{identity, username, password}, password);
 }

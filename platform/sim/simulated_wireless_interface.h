@@ -48,7 +48,8 @@ public:
     void disassociate() override;
     MaybeError associateToNetwork(const ScanResult& network, const QString& password) override;
     MaybeError associateToEnterpriseNetwork(const ScanResult& network, const QString& identity,
-                                            const QString& username, const QString& password) override;
+                                            const QString& username, const QString& password,
+                                            const EapOptions& eap) override;
     MaybeError startIBSSModeWithSSID(const QByteArray& ssid, int security, int channel,
                                      const QString& password) override;
 

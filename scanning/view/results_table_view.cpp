@@ -58,6 +58,11 @@ ResultsTableView::ResultsTableView(scanning::ResultsTableModel& results, core::U
     connect(&results_, &scanning::ResultsTableModel::tableReloaded, this, &ResultsTableView::showSortIndicator);
     connect(&results_, &scanning::ResultsTableModel::tableReloaded, this, &ResultsTableView::fitColumnsOnce);
     connect(this, &QAbstractItemView::doubleClicked, this, &ResultsTableView::cellDoubleClicked);
+    connect(this, &QAbstractItemView::clicked, this, [this](const QModelIndex& index) {
+        const scan::record_columns::RecordColumn* column = items_->columnAt(index.column());
+        if (column != nullptr && column->identifier == QLatin1String("join"))
+            results_.joinButtonPressed(index.row());
+    });
     connect(&results_, &scanning::ResultsTableModel::bssidTagWindowRequested, this, &ResultsTableView::openTagWindow);
     connect(&results_, &scanning::ResultsTableModel::samplesWindowRequested, this,
             &ResultsTableView::samplesWindowRequested);

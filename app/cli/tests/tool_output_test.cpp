@@ -200,6 +200,19 @@ TEST(ToolLinkReport, McsIsFoundByTheInterfaceTabAndKeysAreAligned)
     EXPECT_EQ(mcsOf(app::cli::linkReport(snapshot, core::InterfaceGeneration::Later)), QString());
 }
 
+TEST(ToolLinkReport, ExplainNamesEachValuesSource)
+{
+    platform::InterfaceSnapshot snapshot;
+    snapshot.rssiValue = -52;
+    snapshot.sources = {{"rssiValue", "nl80211 station info: signal"}, {"*", "elsewhere"}};
+    const QStringList lines =
+        app::cli::linkReport(snapshot, core::InterfaceGeneration::Later, true).split('\n', Qt::SkipEmptyParts);
+    EXPECT_EQ(lines.value(0), "     agrCtlRSSI: -52   [nl80211 station info: signal]");
+    EXPECT_TRUE(lines.value(1).endsWith("   [elsewhere]"));
+    snapshot.sources.clear();
+    EXPECT_TRUE(app::cli::linkReport(snapshot, core::InterfaceGeneration::Later, true).contains("[not reported]"));
+}
+
 TEST(ToolArguments, AcceptsEachCommandWithItsOptionsAndRejectsTheRest)
 {
     struct Case {

@@ -1,3 +1,4 @@
+#include "app/desktop/connected_ssid_tab.h"
 #include "app/desktop/desktop_application.h"
 #include "app/desktop/interface_state_reactions.h"
 #include "app/desktop/monitor_windows.h"
@@ -9,7 +10,11 @@
 #include "scanning/results_table_model.h"
 #include "scanning/scan_test_driver.h"
 
+#include <QDialog>
+#include <QDir>
+#include <QFileInfo>
 #include <QLabel>
+#include <QTabWidget>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QProcess>
@@ -83,6 +88,51 @@ TEST_F(DesktopWindow, OpensOnTheSimulatedRadioScansAndQuitsCleanly)
     auto next = make(simulated());
     EXPECT_TRUE(next->launch()) << reasons.join(QLatin1Char('\n')).toStdString();
     next->terminate();
+}
+
+TEST_F(DesktopWindow, ConnectedSsidTabFillsItsFieldsOpensTheJoinSheetAndWritesItsReport)
+{
+    setSummary(false);
+    auto desktop = make(simulated());
+    ASSERT_TRUE(desktop->launch()) << reasons.join(QLatin1Char('\n')).toStdString();
+    app::desktop::ScanMainWindow* window = desktop->mainWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+    auto* tabs = window->findChild<QTabWidget*>(QStringLiteral("tabView"));
+    auto* connected = window->findChild<QWidget*>(QStringLiteral("INTERFACE_INFO"));
+    ASSERT_NE(tabs, nullptr);
+    ASSERT_NE(connected, nullptr);
+    EXPECT_EQ(tabs->tabText(tabs->indexOf(connected)), "Connected SSID");
+    auto* report = window->findChild<QAction*>(QStringLiteral("connectedSSIDReportItem"));
+    ASSERT_NE(report, nullptr);
+    EXPECT_FALSE(report->isVisible());
+    EXPECT_NE(window->findChild<QAction*>(QStringLiteral("exportAction5")), nullptr);
+
+    tabs->setCurrentWidget(connected);
+    EXPECT_TRUE(report->isVisible());
+    auto* ssid = connected->findChild<QLabel*>(QStringLiteral("ssidField"));
+    ASSERT_NE(ssid, nullptr);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ssid->text() == "Skyvane Home"; }, 5000));
+
+    ASSERT_TRUE(QTest::qWaitFor([&] { return desktop->results()->rowCount() > 1; }, 15000));
+    desktop->results()->joinButtonPressed(1);
+    auto* sheet = window->findChild<QDialog*>(QStringLiteral("joinWindow"));
+    ASSERT_NE(sheet, nullptr);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return sheet->isVisible(); }, 5000));
+    EXPECT_TRUE(desktop->driver()->isPaused()) << "the scans wait while the sheet holds the radio";
+    sheet->reject();
+    EXPECT_FALSE(desktop->driver()->isPaused());
+
+    desktop->connectedSsidTab()->generateConnectedSSIDReport(folder.filePath(QStringLiteral("connected.html")));
+    QString page;
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] {
+            const QStringList found = QDir(folder.path()).entryList({"skyvane-connected-ssid-report-*"}, QDir::Dirs);
+            page = found.isEmpty() ? QString() : folder.filePath(found.first() + "/connected.html");
+            return !page.isEmpty() && QFile::exists(page) &&
+                   QFile::exists(QFileInfo(page).path() + "/skv-images/connectedSSIDgraph.png");
+        },
+        10000));
+    desktop->terminate();
 }
 
 TEST_F(DesktopWindow, SummaryAtTheFirstCloseAndQuitAtTheSecond)

@@ -1,6 +1,7 @@
 #include "platform/linux/network_manager_client.h"
 
 #include "platform/api/scan_result.h"
+#include "scan/scan_result_derivation.h"
 
 #include <QCoreApplication>
 #include <QDBusArgument>
@@ -84,6 +85,10 @@ public:
     QString activatedDevice;
     QString activatedSpecificObject;
     QDBusArgument scanSsids;
+    uint activationState = 2;  // activated
+    uint deviceReason = 0;
+    QStringList deleted;
+    QStringList deactivated;
 
     QString introspect(const QString&) const override { return {}; }
 
@@ -115,6 +120,14 @@ public:
         }
         if (member == "Disconnect")
             return reply({});
+        if (member == "DeactivateConnection") {
+            deactivated.append(qdbus_cast<QDBusObjectPath>(args.value(0)).path());
+            return reply({});
+        }
+        if (member == "Delete") {
+            deleted.append(m.path());
+            return reply({});
+        }
         if (member == "AddAndActivateConnection") {
             activated = qdbus_cast<NmConnectionSettings>(args.value(0));
             activatedDevice = qdbus_cast<QDBusObjectPath>(args.value(1)).path();
@@ -145,7 +158,15 @@ private:
         QVariantMap values;
         if (m.path() == managerPath)
             values = {{"WirelessEnabled", wirelessEnabled}};
-        else if (interfaceName == wirelessInterface)
+        else if (interfaceName == "org.freedesktop.NetworkManager.Connection.Active")
+            values = {{"State", activationState}};
+        else if (m.member() == "Get" && m.arguments().value(1).toString() == "StateReason") {
+            QDBusArgument reason;
+            reason.beginStructure();
+            reason << 120u << deviceReason;
+            reason.endStructure();
+            values = {{"StateReason", QVariant::fromValue(reason)}};
+        } else if (interfaceName == wirelessInterface)
             values = {{"LastScan", lastScan}};
         else
             values = {{"DeviceType", m.path() == wifiDevice ? 2u : 1u}};
@@ -202,7 +223,7 @@ protected:
         thread_.start();
         ASSERT_TRUE(serviceBus.registerService(nmService));
         client_ = std::make_unique<NetworkManagerClient>(QDBusConnection::connectToBus(PrivateBus::address, "client"),
-                                                         nmService, NmTimeouts{2000, 2000});
+                                                         nmService, NmTimeouts{2000, 2000, 800});
     }
     void TearDown() override
     {
@@ -216,7 +237,7 @@ protected:
     NmConnectRequest request(NmSecurityKind security) const
     {
         return {wifiDevice, managerPath + "/AccessPoint/7", QByteArray("caf\xc3\xa9\x00\xff", 6), "02:11:22:aa:bb:cc",
-                security, "correct horse", "anonymous", "alice"};
+                security, "correct horse", "anonymous", "alice", "peap", "mschapv2", {}};
     }
 
     QThread thread_;
@@ -235,6 +256,7 @@ TEST_F(NetworkManagerClientTest, ProfilesItCreatesCarryExactTypesAndStayPrivateT
     const QList<Case> cases{{NmSecurityKind::Open, "", false, false},
                             {NmSecurityKind::WpaPersonal, "wpa-psk", true, false},
                             {NmSecurityKind::Wpa3Personal, "sae", true, false},
+                            {NmSecurityKind::Owe, "owe", false, false},
                             {NmSecurityKind::Enterprise, "wpa-eap", false, true}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.keyManagement.toStdString());
@@ -253,11 +275,94 @@ TEST_F(NetworkManagerClientTest, ProfilesItCreatesCarryExactTypesAndStayPrivateT
         EXPECT_EQ(s.value("802-11-wireless-security").value("psk").toString(), c.carriesPsk ? "correct horse" : "");
         EXPECT_EQ(s.contains("802-1x"), c.carries8021X);
         if (c.carries8021X) {
+            EXPECT_EQ(s["802-1x"]["eap"].toStringList(), QStringList{"peap"});
+            EXPECT_EQ(s["802-1x"]["phase2-auth"].toString(), "mschapv2");
+            EXPECT_TRUE(s["802-1x"]["system-ca-certs"].toBool());
             EXPECT_EQ(s["802-1x"]["identity"].toString(), "alice");
             EXPECT_EQ(s["802-1x"]["anonymous-identity"].toString(), "anonymous");
             EXPECT_EQ(s["802-1x"]["password"].toString(), "correct horse");
         }
     }
+}
+
+QByteArray rsnElement(std::initializer_list<std::uint8_t> akmTypes)
+{
+    QByteArray body("\x01\x00\x00\x0f\xac\x04\x01\x00\x00\x0f\xac\x04", 12);
+    body.append(static_cast<char>(akmTypes.size()));
+    body.append('\0');
+    for (std::uint8_t type : akmTypes)
+        body.append(QByteArray("\x00\x0f\xac", 3)).append(static_cast<char>(type));
+    body.append(QByteArray(2, '\0'));
+    return QByteArray(1, '\x30') + QByteArray(1, static_cast<char>(body.size())) + body;
+}
+
+TEST(NetworkManagerSecurity, KeyManagementFollowsWhatTheNetworkOffers)
+{
+    struct Case {
+        QByteArray elements;
+        NmSecurityKind kind;
+    };
+    const QList<Case> cases{{rsnElement({2}), NmSecurityKind::WpaPersonal},
+                            {rsnElement({8}), NmSecurityKind::Wpa3Personal},
+                            {rsnElement({2, 8}), NmSecurityKind::WpaPersonal},
+                            {rsnElement({18}), NmSecurityKind::Owe},
+                            {rsnElement({1}), NmSecurityKind::Enterprise}};
+    for (const Case& c : cases) {
+        const platform::ScanResult network = scan::deriveScanResult({"02:00:00:00:00:01", 2412, -50, 0, 0x0411, 100, c.elements});
+        const scan::AuthenticationSuites suites = scan::authenticationSuites(c.elements);
+        EXPECT_EQ(nmSecurityKindForNetwork(network.securityMode, suites.psk, suites.sae, suites.owe), c.kind)
+            << c.elements.toHex().constData();
+    }
+}
+
+TEST_F(NetworkManagerClientTest, JoinWaitsForActivationAndRemovesTheProfileOfAFailedJoin)
+{
+    struct Case {
+        uint state;
+        uint reason;
+        QString words;  // empty: joined
+    };
+    const QList<Case> cases{{2, 0, ""},
+                            {4, 8, "wrong password"},
+                            {4, 7, "no secrets"},
+                            {4, 53, "network not found"},
+                            {1, 0, "NetworkManager did not finish connecting in time"}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.words.toStdString());
+        {
+            std::lock_guard lock(fake_.mutex);
+            fake_.activationState = c.state;
+            fake_.deviceReason = c.reason;
+            fake_.deleted.clear();
+        }
+        const MaybeError error = client_->connectToNetwork(request(NmSecurityKind::WpaPersonal));
+        std::lock_guard lock(fake_.mutex);
+        if (c.words.isEmpty()) {
+            EXPECT_EQ(error, std::nullopt);
+            EXPECT_TRUE(fake_.deleted.isEmpty());
+            continue;
+        }
+        ASSERT_TRUE(error.has_value());
+        EXPECT_EQ(error->failureReason, c.words);
+        EXPECT_TRUE(error->description.endsWith(": " + c.words + ".")) << error->description.toStdString();
+        EXPECT_EQ(fake_.deleted, QStringList{managerPath + "/Settings/9"});
+        EXPECT_EQ(fake_.deactivated.last(), managerPath + "/ActiveConnection/1");
+    }
+}
+
+TEST_F(NetworkManagerClientTest, TtlsWithACertificateFileCarriesItsMethodAndFile)
+{
+    NmConnectRequest ttls = request(NmSecurityKind::Enterprise);
+    ttls.eapMethod = "ttls";
+    ttls.phase2Auth = "pap";
+    ttls.caCertificatePath = "/etc/ssl/corp-ca.pem";
+    ASSERT_EQ(client_->connectToNetwork(ttls), std::nullopt);
+    std::lock_guard lock(fake_.mutex);
+    const QVariantMap eap = fake_.activated["802-1x"];
+    EXPECT_EQ(eap["eap"].toStringList(), QStringList{"ttls"});
+    EXPECT_EQ(eap["phase2-auth"].toString(), "pap");
+    EXPECT_EQ(eap["ca-cert"].toByteArray(), QByteArray("file:///etc/ssl/corp-ca.pem\0", 28));
+    EXPECT_FALSE(eap.contains("system-ca-certs"));
 }
 
 TEST_F(NetworkManagerClientTest, AdHocNetworksPickTheBandOfTheirChannel)

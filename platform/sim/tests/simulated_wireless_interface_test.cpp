@@ -94,7 +94,7 @@ TEST_F(SimulatedInterface, AssociationSucceedsOrFailsLikeARealInterface)
     for (const auto& c : cases) {
         const MaybeError error = c.enterprise
                                      ? wifi_->associateToEnterpriseNetwork(c.network, QStringLiteral("ada@corp"),
-                                                                           c.username, c.password)
+                                                                           c.username, c.password, {})
                                      : wifi_->associateToNetwork(c.network, c.password);
         if (c.code == 0) {
             EXPECT_FALSE(error) << c.name << ": " << error->description.toStdString();
