@@ -42,7 +42,13 @@ install_packages() {
 configure() {
     dir=$1; shift
     if [ ! -f "$dir/build.ninja" ]; then
-        cmake -S "$ROOT" -B "$dir" -G Ninja "$@"
+        # ccache, where someone installed it, makes rebuilding a fresh checkout quick.
+        launcher=""
+        if command -v ccache >/dev/null 2>&1; then
+            launcher="-DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache"
+        fi
+        # shellcheck disable=SC2086
+        cmake -S "$ROOT" -B "$dir" -G Ninja $launcher "$@"
     fi
 }
 
