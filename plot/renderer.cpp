@@ -60,8 +60,10 @@ void strokeSegmentsInSlices(QPainter& painter, const QRectF& clip, const QPolygo
     for (qsizetype i = 1; i < line.size(); ++i) {
         const QLineF segment(line[i - 1], line[i]);
         const bool wide = std::abs(segment.dx()) >= std::abs(segment.dy());
-        const double low = (wide ? std::min(segment.x1(), segment.x2()) : std::min(segment.y1(), segment.y2())) - reach;
-        const double high = (wide ? std::max(segment.x1(), segment.x2()) : std::max(segment.y1(), segment.y2())) + reach;
+        const double from = wide ? segment.x1() : segment.y1();
+        const double to = wide ? segment.x2() : segment.y2();
+        const double low = std::min(from, to) - reach;
+        const double high = std::max(from, to) + reach;
         if (high - low <= slice) {
             if (clipped)
                 painter.setClipRect(clip);
@@ -70,7 +72,8 @@ void strokeSegmentsInSlices(QPainter& painter, const QRectF& clip, const QPolygo
             continue;
         }
         for (int at = static_cast<int>(std::floor(low)); at < high; at += slice) {
-            const QRectF band = wide ? QRectF(at, clip.top(), slice, clip.height()) : QRectF(clip.left(), at, clip.width(), slice);
+            const QRectF band = wide ? QRectF(at, clip.top(), slice, clip.height())
+                                     : QRectF(clip.left(), at, clip.width(), slice);
             const QRectF part = band & clip;
             if (part.isEmpty())
                 continue;
