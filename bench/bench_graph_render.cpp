@@ -1,8 +1,8 @@
 // The graphs' costs: a full refresh rendered off the GUI thread (500 and 2000 channel-graph
-// curves, 2000 rank bars, 500 history lines of 13 samples), the GUI thread's share of a hover
-// (copy the cached picture, draw one selection line and its text box), and the three report
-// images. Budgets: channel graph 250 ms (aim 150), hover 5 ms, rank and history 100 ms, the
-// report images 1 s together, all for 500 networks unless named.
+// curves, 2000 rank bars, 500 history lines of 13 samples, bare and with their values), the
+// GUI thread's share of a hover (copy the cached picture, draw one selection line and its text
+// box), and the three report images. Budgets: channel graph 250 ms (aim 150), hover 5 ms, rank
+// and history 100 ms, the report images 1 s together, all for 500 networks unless named.
 #include "core/memory_settings.h"
 #include "graphs/color_codes_manager.h"
 #include "graphs/graph_view_tab_set.h"
@@ -126,6 +126,16 @@ void BM_HistoryGraphRender(benchmark::State& state)
     renderOffGuiThread(state, graphs::view::historyScene(scanned.tabs.signalHistory(), graphs::GraphTheme{}));
 }
 BENCHMARK(BM_HistoryGraphRender)->Arg(500)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+// The same with the value switch on: a dot and an RSSI label at every sample.
+void BM_HistoryGraphRenderWithValues(benchmark::State& state)
+{
+    Scanned scanned(static_cast<int>(state.range(0)), true);
+    scanned.settings.setValue(QStringLiteral("showRSSIValueOnGraph"), 1);
+    scanned.tabs.signalHistory().refreshSettings();
+    renderOffGuiThread(state, graphs::view::historyScene(scanned.tabs.signalHistory(), graphs::GraphTheme{}));
+}
+BENCHMARK(BM_HistoryGraphRenderWithValues)->Arg(500)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 // The GUI thread's hover: the cached picture copied to the screen's buffer, then the dashed
 // line through one sample and its text box drawn over it.

@@ -9,7 +9,6 @@
 #include <QPainterPath>
 #include <QPen>
 #include <QPolygonF>
-#include <QVarLengthArray>
 
 #include <cmath>
 
@@ -45,6 +44,48 @@ QLinearGradient gradientOver(const Gradient& gradient, const QRectF& box)
     return fill;
 }
 
+// Qt 6.4's raster engine hands any batch of more than about 96 spans to QThreadPool's global
+// pool in pieces unless the painting thread is one of that pool's own; a long wide
+// antialiased segment makes hundreds of spans, and the hand-over costs four times the
+// painting itself. Each segment of the line is therefore stroked through a run of clip slices,
+// each short enough to stay one batch: the slices share no pixel, so every pixel is blended
+// once, as from the whole segment (a cut may round its coverage a level differently). Wider
+// pens make more spans per slice, hence narrower slices.
+void strokeSegmentsInSlices(QPainter& painter, const QRectF& clip, const QPolygonF& line, double penWidth)
+{
+    const double devicePixels = std::max(1.0, std::abs(painter.deviceTransform().m11()));
+    const int slice = std::max(1, static_cast<int>(std::clamp(20.0 - penWidth, 4.0, 16.0) / devicePixels));
+    const double reach = penWidth + 2.0;
+    bool clipped = false;
+    for (qsizetype i = 1; i < line.size(); ++i) {
+        const QLineF segment(line[i - 1], line[i]);
+        const bool wide = std::abs(segment.dx()) >= std::abs(segment.dy());
+        const double from = wide ? segment.x1() : segment.y1();
+        const double to = wide ? segment.x2() : segment.y2();
+        const double low = std::min(from, to) - reach;
+        const double high = std::max(from, to) + reach;
+        if (high - low <= slice) {
+            if (clipped)
+                painter.setClipRect(clip);
+            clipped = false;
+            painter.drawLine(segment);
+            continue;
+        }
+        for (int at = static_cast<int>(std::floor(low)); at < high; at += slice) {
+            const QRectF band = wide ? QRectF(at, clip.top(), slice, clip.height())
+                                     : QRectF(clip.left(), at, clip.width(), slice);
+            const QRectF part = band & clip;
+            if (part.isEmpty())
+                continue;
+            painter.setClipRect(part);
+            clipped = true;
+            painter.drawLine(segment);
+        }
+    }
+    if (clipped)
+        painter.setClipRect(clip);
+}
+
 void drawScatter(QPainter& painter, const Geometry& geometry, const ScatterPlot& plot)
 {
     if (plot.points.isEmpty() || plot.opacity <= 0.0)
@@ -77,10 +118,7 @@ void drawScatter(QPainter& painter, const Geometry& geometry, const ScatterPlot&
             QPen pen = penFor(plot.line);
             pen.setCapStyle(Qt::SquareCap);
             painter.setPen(pen);
-            QVarLengthArray<QLineF, 16> segments;
-            for (qsizetype i = 1; i < line.size(); ++i)
-                segments.append(QLineF(line[i - 1], line[i]));
-            painter.drawLines(segments.constData(), static_cast<int>(segments.size()));
+            strokeSegmentsInSlices(painter, geometry.plotArea(), line, plot.line.width);
         }
     }
     if (plot.symbol) {

@@ -6,6 +6,7 @@
 #include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
 
+#include <chrono>
 #include <cmath>
 #include <map>
 #include <memory>
@@ -43,18 +44,44 @@ std::unique_ptr<icu::TimeZone> zoneForId(const QByteArray& ianaId)
     return zone;
 }
 
+// The host's zone name. Without TZ, Qt finds it by looking at three files under /etc, which
+// costs more than the formatting itself for every sensor line; so the answer is kept for a
+// second, while a change of TZ is seen at once.
+class HostZone {
+public:
+    QByteArray id()
+    {
+        const QByteArray variable = qgetenv("TZ");
+        const auto now = std::chrono::steady_clock::now();
+        if (!known_ || variable != variable_ || now - checked_ >= std::chrono::seconds(1)) {
+            id_ = QTimeZone::systemTimeZoneId();
+            variable_ = variable;
+            checked_ = now;
+            known_ = true;
+        }
+        return id_;
+    }
+
+private:
+    bool known_ = false;
+    QByteArray variable_;
+    QByteArray id_;
+    std::chrono::steady_clock::time_point checked_;
+};
+
 // Formatters are costly to build and not safe to share, so each thread keeps its own, rebuilt
 // whenever the host's time zone changes.
 struct FormatterCache {
     static constexpr std::size_t maxPatterns = 32;
 
+    HostZone hostZone;
     QByteArray zoneId;
     bool zoneKnown = false;
     std::map<QString, std::unique_ptr<icu::SimpleDateFormat>> byPattern;
 
     icu::SimpleDateFormat* formatterFor(const QString& pattern)
     {
-        const QByteArray currentZone = QTimeZone::systemTimeZoneId();
+        const QByteArray currentZone = hostZone.id();
         if (!zoneKnown || currentZone != zoneId) {
             byPattern.clear();
             zoneId = currentZone;

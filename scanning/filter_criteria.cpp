@@ -124,23 +124,13 @@ FilterCriteria::ButtonState FilterCriteria::changeFilterButtonState() const
     return {QStringLiteral("Filter Applied"), true};
 }
 
-void FilterCriteria::addSSID(const QString& ssid)
-{
-    if (!allSSIDs.contains(ssid)) {
-        allSSIDs.append(ssid);
-    }
-}
+void FilterCriteria::addSSID(const QString& ssid) { ssids_.append(ssid); }
 
-void FilterCriteria::addChannel(const QString& channel)
-{
-    if (!allChannels.contains(channel)) {
-        allChannels.append(channel);
-    }
-}
+void FilterCriteria::addChannel(const QString& channel) { channels_.append(channel); }
 
 QStringList FilterCriteria::sortedSSIDs() const
 {
-    QStringList sorted = allSSIDs;
+    QStringList sorted = allSSIDs();
     std::sort(sorted.begin(), sorted.end());
     return sorted;
 }
@@ -148,7 +138,7 @@ QStringList FilterCriteria::sortedSSIDs() const
 QStringList FilterCriteria::completions(const QString& fieldIdentifier, const QString& partialWord) const
 {
     const QStringList& candidates =
-        fieldIdentifier == QLatin1String(channelFieldIdentifier) ? allChannels : allSSIDs;
+        fieldIdentifier == QLatin1String(channelFieldIdentifier) ? allChannels() : allSSIDs();
     QStringList matches;
     for (const QString& candidate : candidates) {
         if (candidate.startsWith(partialWord, Qt::CaseInsensitive)) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "scanning/sql_condition.h"
+#include "scanning/unique_string_list.h"
 
 #include <QString>
 #include <QStringList>
@@ -38,10 +39,6 @@ public:
     // successful apply. A refused apply keeps the previous condition.
     QString inputError;
 
-    // Filled by the scan processing with every name and channel it shows; the completion reads them.
-    QStringList allSSIDs;
-    QStringList allChannels;
-
     bool completePosting = false;
     bool commandHandling = false;
 
@@ -59,9 +56,12 @@ public:
     };
     ButtonState changeFilterButtonState() const;
 
-    // Names and channels seen by the scans, each remembered once.
+    // Names and channels seen by the scans, each remembered once, in the order first seen;
+    // the scan processing offers every name and channel it shows, the completion reads them.
     void addSSID(const QString& ssid);
     void addChannel(const QString& channel);
+    const QStringList& allSSIDs() const { return ssids_.items(); }
+    const QStringList& allChannels() const { return channels_.items(); }
     QStringList sortedSSIDs() const;
 
     // Candidates for the word being typed in the field with the given identifier.
@@ -71,6 +71,10 @@ public:
     void controlTextDidChange(const std::function<void()>& complete);
     // Runs a field-editor command with commandHandling set; returns what perform returns.
     bool doCommandBySelector(const std::function<bool()>& perform);
+
+private:
+    UniqueStringList ssids_;
+    UniqueStringList channels_;
 };
 
 } // namespace scanning

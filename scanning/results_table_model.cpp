@@ -43,7 +43,7 @@ void ResultsTableModel::updateView(const std::shared_ptr<WiFiScanTest>& test)
         addSelectedBssids(test->scanedResults.keys());
     }
     if (graph_ != nullptr) {
-        for (const QString& bssid : std::as_const(selectedBssids_)) {
+        for (const QString& bssid : selectedBssids_.items()) {
             const QList<scan::ScanedResultInfo> history = historyOf(bssid);
             if (history.isEmpty()) {
                 graph_->removePlotFromGraph(bssid);
@@ -89,9 +89,7 @@ void ResultsTableModel::setSelectedBssids(const QStringList& bssids)
 void ResultsTableModel::addSelectedBssids(const QStringList& bssids)
 {
     for (const QString& bssid : bssids) {
-        if (!selectedBssids_.contains(bssid)) {
-            selectedBssids_.append(bssid);
-        }
+        selectedBssids_.append(bssid);
     }
 }
 
@@ -247,7 +245,7 @@ void ResultsTableModel::checkboxClicked(int row)
             shouldPlotAll_ = false;
             emit headerCheckboxChanged(false);
         }
-        selectedBssids_.removeAll(bssid);
+        selectedBssids_.remove(bssid);
         if (graph_ != nullptr) {
             graph_->removePlotFromGraph(bssid);
         }
@@ -364,19 +362,17 @@ QList<scan::ScanedResultInfo> ResultsTableModel::historyOf(const QString& bssid)
 void ResultsTableModel::removeAllPlotsFromGraph()
 {
     // The selection may still name networks of the test shown before, whose plots must go too.
-    QStringList plotted = selectedBssids_;
+    UniqueStringList plotted = std::move(selectedBssids_);
     selectedBssids_.clear();
     if (graph_ == nullptr) {
         return;
     }
     if (currentTest_ != nullptr) {
         for (auto it = currentTest_->scanedResults.cbegin(); it != currentTest_->scanedResults.cend(); ++it) {
-            if (!plotted.contains(it.key())) {
-                plotted.append(it.key());
-            }
+            plotted.append(it.key());
         }
     }
-    for (const QString& bssid : std::as_const(plotted)) {
+    for (const QString& bssid : plotted.items()) {
         graph_->removePlotFromGraph(bssid);
     }
     graph_->didRemoveAllPlots();

@@ -3,6 +3,7 @@
 #include "core/user_settings.h"
 #include "scan/scaned_result_info.h"
 #include "scanning/scan_results_listener.h"
+#include "scanning/unique_string_list.h"
 
 #include <QHash>
 #include <QList>
@@ -40,7 +41,7 @@ public:
     // The shown test was deleted.
     void clearView() override;
 
-    QStringList selectedBssids() const override { return selectedBssids_; }
+    QStringList selectedBssids() const override { return selectedBssids_.items(); }
     void setSelectedBssids(const QStringList& bssids) override;
     bool shouldPlotAll() const override { return shouldPlotAll_; }
 
@@ -110,7 +111,7 @@ private:
     core::UserSettings& settings_;
     GraphSink* graph_ = nullptr;
     std::shared_ptr<WiFiScanTest> currentTest_;
-    QStringList selectedBssids_;
+    UniqueStringList selectedBssids_;
     bool shouldPlotAll_ = true;
     QString lastIdentifier_ = QStringLiteral("ssid");
     bool sortAscending_ = true;

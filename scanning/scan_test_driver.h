@@ -67,8 +67,8 @@ public:
     {
         return processor_.bssidToCWNetworkMapping();
     }
-    const QStringList& allSSIDs() const { return filter_.allSSIDs; }
-    const QStringList& allChannels() const { return filter_.allChannels; }
+    const QStringList& allSSIDs() const { return filter_.allSSIDs(); }
+    const QStringList& allChannels() const { return filter_.allChannels(); }
     QString channelInfoCommand() const { return channels_.channelInfoCommand(); }
     std::optional<scan::ScanedResultInfo> getConnectedNetworkDetails() const { return tests_.getConnectedNetworkDetails(); }
     std::optional<QList<QVariantMap>> executeAirportCommandForXML() { return channels_.executeAirportCommandForXML(); }

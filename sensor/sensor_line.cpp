@@ -99,7 +99,10 @@ std::optional<SensorLine> parseSensorLine(const QString& line)
         parsed.timeText = QString::number(milliseconds);
     } else {
         // Whole milliseconds carry the full resolution; no floating-point division needed.
-        parsed.date = QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(milliseconds));
+        // The date only carries the instant to the formatters, which show it in the local
+        // zone; held as UTC it needs no local-time conversion (a look at /etc/localtime) here
+        // or at each formatting.
+        parsed.date = QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(milliseconds), Qt::UTC);
         parsed.timeText = scan::ScannerUtils::formatDate(QStringLiteral("MM-dd-YYYY hh:mm:ss.SSSS"), parsed.date);
     }
     parsed.sensorId = leadingInt(fields.at(1));

@@ -1,3 +1,4 @@
+#include "plot/geometry.h"
 #include "plot/renderer.h"
 #include "plot/text.h"
 #include "plot/widget/plot_view.h"
@@ -66,6 +67,44 @@ TEST_F(PlotRender, PaintsBarsAndGradientFillsWhereTheDataSays)
     const QImage sharp = plot::renderImage(graph, QSize(120, 120), 2.0);
     EXPECT_EQ(sharp.size(), QSize(240, 240));
     EXPECT_EQ(sharp.pixelColor(70, 160), QColor(Qt::yellow));
+}
+
+// Long translucent lines are stroked piecewise; the pieces must neither overlap (a darker seam)
+// nor leave gaps, so the picture matches the lines stroked whole, up to rounding at the cuts.
+TEST_F(PlotRender, LongTranslucentLinesLookAsIfStrokedWhole)
+{
+    const QList<QPointF> zigzag{{0.0, -95.0}, {100.0, -5.0}, {10.0, -15.0}, {95.0, -90.0}, {50.0, -2.0}};
+    for (const auto& [width, ratio] : {std::pair{1.5, 1.0}, {3.0, 1.0}, {9.0, 1.0}, {3.0, 2.0}, {3.0, 1.5}}) {
+        plot::Graph graph = frame();
+        const plot::LineStyle style{width, QColor(255, 200, 0, 150), {}};
+        graph.setPlot(plot::ScatterPlot{QStringLiteral("zigzag"), zigzag, style, 1.0, {}, -100.0, {}, {}});
+        const QSize size(400, 300);
+        const QImage image = plot::renderImage(graph, size, ratio);
+
+        graph.plots.clear();
+        QImage reference = plot::renderImage(graph, size, ratio);
+        {
+            const plot::Geometry geometry(graph, QSizeF(size));
+            QPainter painter(&reference);
+            painter.setRenderHint(QPainter::Antialiasing, true);
+            painter.setClipRect(geometry.plotArea());
+            QPen pen(style.colour, width);
+            pen.setCapStyle(Qt::SquareCap);
+            painter.setPen(pen);
+            for (qsizetype i = 1; i < zigzag.size(); ++i)
+                painter.drawLine(geometry.toPixel(zigzag[i - 1]), geometry.toPixel(zigzag[i]));
+        }
+        int worst = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QRgb a = image.pixel(x, y);
+                const QRgb b = reference.pixel(x, y);
+                worst = std::max({worst, std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)),
+                                  std::abs(qBlue(a) - qBlue(b))});
+            }
+        }
+        EXPECT_LE(worst, 6) << "pen width " << width << ", pixel ratio " << ratio;
+    }
 }
 
 TEST_F(PlotRender, DrawsUntrustedTextAsPlainClippedText)

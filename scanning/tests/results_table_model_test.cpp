@@ -125,6 +125,11 @@ TEST_F(ResultsTableModelTest, CheckboxesDecideWhatIsPlotted)
     model_.checkboxClicked(1);
     EXPECT_TRUE(model_.shouldPlotAll());
     EXPECT_EQ(graph_.calls, (QStringList{"remove B", "add B 1"}));
+    // A network ticked again is plotted last, and only once.
+    EXPECT_EQ(model_.selectedBssids(), (QStringList{"A", "C", "D", "B"}));
+    model_.setSelectedBssids({"C", "A", "C"});
+    EXPECT_EQ(model_.selectedBssids(), (QStringList{"C", "A"}));
+    model_.setSelectedBssids({"A", "B", "C", "D"});
 
     // The header checkbox replots every row or none.
     model_.setSelectedRows({3});

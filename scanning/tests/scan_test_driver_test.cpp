@@ -397,7 +397,7 @@ TEST_F(ScanTestDriverTest, CompletionOffersTheNamesAndChannelsTheScansShowed)
     start();
     EXPECT_EQ(driver.filter().completions(QStringLiteral("ssidFilterField"), QStringLiteral("h")), QStringList{"Home"});
     EXPECT_EQ(driver.filter().completions(QStringLiteral("channelFilterField"), QStringLiteral("4")), QStringList{"44"});
-    EXPECT_EQ(driver.allSSIDs(), driver.filter().allSSIDs);
+    EXPECT_EQ(driver.allSSIDs(), driver.filter().allSSIDs());
 }
 
 TEST_F(ScanTestDriverTest, AQuotedNameFiltersTheShownRows)
