@@ -61,19 +61,19 @@ GraphTheme themeFor(const QPalette& palette)
 
 namespace {
 
-plot::Axis axisFrom(const AxisSpec& spec, const GraphLayout& layout, const GraphTheme& theme, int minorTicks)
+plot::Axis axisFrom(const AxisSpec& wanted, const GraphLayout& layout, const GraphTheme& theme, int minorTicks)
 {
     plot::Axis axis;
-    axis.title = spec.title;
-    axis.titleOffset = spec.titleOffset;
-    axis.labelOffset = spec.labelOffset;
-    if (!spec.customLabels.isEmpty()) {
+    axis.title = wanted.title;
+    axis.titleOffset = wanted.titleOffset;
+    axis.labelOffset = wanted.labelOffset;
+    if (!wanted.customLabels.isEmpty()) {
         axis.labelling = plot::Labelling::Custom;
-        for (const AxisLabel& label : spec.customLabels)
+        for (const AxisLabel& label : wanted.customLabels)
             axis.customLabels.append(plot::TickLabel{label.position, label.text});
-    } else if (spec.majorInterval) {
+    } else if (wanted.majorInterval) {
         axis.labelling = plot::Labelling::FixedInterval;
-        axis.majorInterval = *spec.majorInterval;
+        axis.majorInterval = *wanted.majorInterval;
     } else {
         axis.labelling = plot::Labelling::Automatic;
     }
