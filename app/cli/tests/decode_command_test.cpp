@@ -172,15 +172,17 @@ TEST(DecodeCommand, UnreadableFilesGiveOneErrorLine)
     EXPECT_EQ(QJsonDocument::fromJson(run.lines[0]).object()["ssid"].toString(), "ROUTE-821E295");
 }
 
-TEST(DecodeCommand, BadArgumentsPrintUsage)
+TEST(CliUsage, BadArgumentsOfEveryCommandPrintUsage)
 {
-    for (const QStringList& arguments : {QStringList{}, QStringList{"frobnicate"}, QStringList{"decode"},
-                                         QStringList{"decode", "a", "b"}}) {
+    for (const QStringList& arguments :
+         {QStringList{}, QStringList{"frobnicate"}, QStringList{"decode"}, QStringList{"decode", "a", "b"},
+          QStringList{"scan", "--count", "two"}, QStringList{"-s", "--frobnicate"}, QStringList{"-I", "-x"}}) {
         const CliRun run = runCli(arguments);
         EXPECT_EQ(run.exitCode, 2) << arguments.join(' ').toStdString();
         EXPECT_TRUE(run.lines.isEmpty());
         EXPECT_TRUE(run.err.startsWith("usage: skyvane-cli")) << run.err.constData();
     }
+    EXPECT_TRUE(runCli({"scan", "--count", "two"}).err.contains("--count")) << "the usage names the bad option";
 }
 
 namespace {

@@ -183,18 +183,6 @@ TEST(ScanHardening, EmptyOptionValuesAreErrors)
     }
 }
 
-TEST(ScanHardening, AQuotedNameFiltersTheScan)
-{
-    QTemporaryDir home;
-    ASSERT_TRUE(home.isValid());
-    const CliRun run = runIn(home, {"--simulate=5", "scan", "--count", "1", "--ssid", "O'Brien", "--json"});
-    EXPECT_EQ(run.exitCode, 0) << run.err.constData();
-    // No simulated network has that name; only the connected one, which always passes, is left.
-    ASSERT_EQ(run.lines.size(), 2);
-    EXPECT_TRUE(run.lines.first().contains("\"countLabel\":\"1 of 5 shown\"")) << run.lines.first().constData();
-    EXPECT_FALSE(run.err.contains("syntax error")) << run.err.constData();
-}
-
 // --merge belongs to the run: no copy of the settings is made, nothing is left in the temporary
 // folder, and the user's own choice is not written. The system's log texts wait for --verbose.
 TEST(ScanHardening, MergeIsTheRunsOwnAndLogTextsWaitForVerbose)

@@ -303,13 +303,8 @@ TEST(ToolBinary, ReplaysACapture)
     EXPECT_TRUE(xml.out.contains(QStringLiteral("<key>SSID_STR</key>")));
 }
 
-TEST(ToolBinary, RejectsBadOptionsAndMissingBackends)
+TEST(ToolBinary, MissingBackendsFailTheRun)
 {
-    for (const QStringList& arguments : {QStringList{"-s", "--frobnicate"}, QStringList{}, QStringList{"-I", "-x"}}) {
-        const CliRun run = runCli(arguments);
-        EXPECT_EQ(run.exitCode, 2) << arguments.join(' ').toStdString();
-        EXPECT_TRUE(run.err.contains(QStringLiteral("usage:")));
-    }
     const CliRun missing = runCli({"--capture", "/nonexistent/capture.pcap", "-s"});
     EXPECT_EQ(missing.exitCode, 1);
     EXPECT_TRUE(missing.err.contains(QStringLiteral("/nonexistent/capture.pcap")));
