@@ -55,8 +55,8 @@ TEST_F(ResultsTableItemModelTest, VisibilityReadBackAsTextShowsTheColumn)
     const struct {
         QVariant stored;
         bool shown;
-    } cases[] = {{QStringLiteral("true"), true}, {QStringLiteral("1"), true}, {1, true},   {true, true},
-                 {QStringLiteral("false"), false}, {QStringLiteral("0"), false}, {0, false}};
+    } cases[] = {{QStringLiteral("true"), true}, {QStringLiteral("1"), true}, {true, true},
+                 {QStringLiteral("false"), false}, {QStringLiteral("0"), false}};
     for (const auto& c : cases) {
         settings_.setValue(QStringLiteral("rssiColumnVisible"), c.stored);
         table_.updateTableColumnsView();
@@ -78,10 +78,16 @@ TEST_F(ResultsTableItemModelTest, ToggleMovesOneColumnInOrOutWithModelSignals)
     ASSERT_EQ(removed.size(), 1);
     EXPECT_EQ(removed.at(0).at(1).toInt(), 3);
     EXPECT_EQ(headers(), (QStringList{"checkbox", "ssid", "bssid", "channelUtilization"}));
+    EXPECT_EQ(settings_.value(QStringLiteral("rssiColumnVisible")), QVariant(false));
     table_.toggleColumn(QStringLiteral("rssi"));
     ASSERT_EQ(inserted.size(), 1);
     EXPECT_EQ(inserted.at(0).at(1).toInt(), 3);
     EXPECT_EQ(model_.headerData(3, Qt::Horizontal).toString(), QStringLiteral("Signal"));
+    EXPECT_EQ(settings_.value(QStringLiteral("rssiColumnVisible")), QVariant(true));
+    // The name column cannot be hidden, and the join column is never in the header menu.
+    table_.toggleColumn(QStringLiteral("ssid"));
+    EXPECT_EQ(model_.columnOf(QStringLiteral("ssid")), 1);
+    EXPECT_FALSE(scan::record_columns::headerMenuColumns().contains(QStringLiteral("join")));
 }
 
 TEST_F(ResultsTableItemModelTest, CellsUseTheDisplayTransformersAndSortValuesStayRaw)

@@ -1,7 +1,6 @@
 #include "core/memory_settings.h"
 #include "scan/scanner_utils.h"
 #include "scanning/graph_sink.h"
-#include "scan/record_columns.h"
 #include "scanning/results_table_model.h"
 #include "scanning/wifi_scan_test.h"
 
@@ -166,32 +165,6 @@ TEST_F(ResultsTableModelTest, CopyRowWritesTheSelectedRowsAsCsvInTableOrder)
 
     model_.setSelectedRows({});
     EXPECT_TRUE(model_.copyRow().isEmpty());
-}
-
-TEST_F(ResultsTableModelTest, TagsLiveInTheSettingsUnderTheBssid)
-{
-    model_.saveBSSIDTag(QStringLiteral("A"), QStringLiteral("lobby"));
-    EXPECT_EQ(settings_.value(QStringLiteral("A")).toString(), QStringLiteral("lobby"));
-    EXPECT_EQ(test_->scanedData1[0].bssidTag, QStringLiteral("lobby"));
-    model_.saveBSSIDTag(QStringLiteral("A"), QString());
-    EXPECT_TRUE(model_.bssidTagForBSSID(QStringLiteral("A")).isEmpty());
-    EXPECT_TRUE(settings_.value(QStringLiteral("A")).isValid());
-}
-
-TEST_F(ResultsTableModelTest, ColumnTogglesStoreTheShownStateUnderTheColumnKey)
-{
-    EXPECT_FALSE(scan::record_columns::headerMenuColumns().contains(QStringLiteral("join")));
-
-    settings_.setValue(QStringLiteral("snColumnVisible"), true);
-    model_.updateTableColumnsView();
-    model_.toggleColumn(QStringLiteral("sn"));
-    EXPECT_TRUE(model_.isColumnHidden(QStringLiteral("sn")));
-    EXPECT_EQ(settings_.value(QStringLiteral("snColumnVisible")), QVariant(false));
-    model_.toggleColumn(QStringLiteral("sn"));
-    EXPECT_EQ(settings_.value(QStringLiteral("snColumnVisible")), QVariant(true));
-
-    model_.toggleColumn(QStringLiteral("ssid"));
-    EXPECT_FALSE(model_.isColumnHidden(QStringLiteral("ssid")));
 }
 
 TEST_F(ResultsTableModelTest, JoinTooltipNamesTheConnectedNetwork)
