@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 namespace monitor::view {
@@ -57,6 +58,8 @@ MonitorWindowPanel::MonitorWindowPanel(scan::ScanedResultInfo selectedNetwork,
     closeButton->setObjectName(QStringLiteral("monitorCloseButton"));
     closeButton->setAccessibleName(QStringLiteral("Close monitor"));
     connect(closeButton, &QPushButton::clicked, this, &QWidget::close);
+    // A window of its own rather than a dialog, so Escape is not wired up by Qt.
+    new QShortcut(QKeySequence::Cancel, this, this, &QWidget::close);
 
     auto* controls = new QHBoxLayout;
     controls->addWidget(beeperSwitch_);
