@@ -103,6 +103,8 @@ void MonitorWindowPanel::initWindowToShow()
     showGraph();
     show();
     raise();
+    // Opened from the keyboard (Ctrl+M), it should take the keys next, Escape included.
+    activateWindow();
 }
 
 void MonitorWindowPanel::closeEvent(QCloseEvent* event)
