@@ -17,6 +17,23 @@ const ColourCode hoveredColour{0.5, 0.5, 0.5, 1.0};
 const ColourCode hoveredNameColour{128.0 / 255.0, 128.0 / 255.0, 128.0 / 255.0, 0.8};
 const ColourCode otherColour{69.0 / 255.0, 69.0 / 255.0, 69.0 / 255.0, 1.0};
 
+// A name with right-to-left letters or direction overrides would otherwise carry the signal figure
+// after it along (a U+202E name shows -50 as "05-"); first-strong isolation keeps it to itself.
+QString isolatedName(const QString& ssid)
+{
+    const bool turns = std::any_of(ssid.cbegin(), ssid.cend(), [](QChar c) {
+        switch (c.direction()) {
+        case QChar::DirR: case QChar::DirAL: case QChar::DirRLE: case QChar::DirRLO: case QChar::DirLRE:
+        case QChar::DirLRO: case QChar::DirPDF: case QChar::DirRLI: case QChar::DirLRI: case QChar::DirFSI:
+        case QChar::DirPDI:
+            return true;
+        default:
+            return false;
+        }
+    });
+    return turns ? QChar(0x2068) + ssid + QChar(0x2069) : ssid;
+}
+
 } // namespace
 
 SignalRankModel::SignalRankModel(GraphTheme theme, QObject* parent) : QObject(parent), theme_(theme) {}
@@ -149,7 +166,8 @@ QString SignalRankModel::labelFor(const QString& bssid) const
     const auto it = graphDataDictionary_.constFind(bssid);
     if (bssid.isEmpty() || it == graphDataDictionary_.cend())
         return {};
-    return QStringLiteral("%1    %2 ").arg(it->ssid).arg(it->rssi);
+    // One arg() call: a "%1" in a broadcast name is not a place for the signal figure.
+    return QStringLiteral("%1    %2 ").arg(isolatedName(it->ssid), QString::number(it->rssi));
 }
 
 RankLabels SignalRankModel::labels() const

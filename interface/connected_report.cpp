@@ -5,7 +5,10 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSaveFile>
+
+#include <algorithm>
 
 namespace connection {
 namespace {
@@ -70,10 +73,22 @@ QString connectedReportHtml(const QString& templateText, const ConnectedReportVa
         {"{GCE}", r.groupDataChiperEncryption},
         {"{PCE}", r.pairWiseChiperEncryption},
     };
-    QString html = templateText;
-    // Names, vendor texts and country codes come from the air: none may become markup.
-    for (const auto& [placeholder, value] : placeholders)
-        html.replace(QLatin1String(placeholder), value.toHtmlEscaped());
+    // One pass over the template: a name from the air that reads "{RSSI}" is a name, not a placeholder
+    // for a later round. Names, vendor texts and country codes from the air never become markup either.
+    static const QRegularExpression token(QStringLiteral("\\{[A-Z0-9_]+\\}"));
+    QString html;
+    qsizetype copied = 0;
+    for (const QRegularExpressionMatch& match : token.globalMatch(templateText)) {
+        const auto found = std::find_if(placeholders.cbegin(), placeholders.cend(), [&match](const auto& entry) {
+            return match.capturedView() == QLatin1String(entry.first);
+        });
+        if (found == placeholders.cend())
+            continue;
+        html += QStringView(templateText).sliced(copied, match.capturedStart() - copied);
+        html += found->second.toHtmlEscaped();
+        copied = match.capturedEnd();
+    }
+    html += QStringView(templateText).sliced(copied);
     return html + graphSection;
 }
 

@@ -26,9 +26,7 @@ void logFailure(const platform::PlatformError& error)
     qCWarning(lcConnection).noquote()
         << QStringLiteral("here we got localizedDescription=%1\n code=%2\n localizedFailureReason=%3\n"
                           "localizedRecoverySuggestion=%4")
-               .arg(error.description)
-               .arg(error.code)
-               .arg(error.failureReason, error.recoverySuggestion);
+               .arg(error.description, QString::number(error.code), error.failureReason, error.recoverySuggestion);
 }
 
 } // namespace

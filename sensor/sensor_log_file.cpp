@@ -193,8 +193,7 @@ SensorLogFile::SaveReport SensorLogFile::create(const QString& folder)
         return report;
     }
     const QString reason = QStringLiteral("Unable to create log file in %1: %2 files of this name exist")
-                               .arg(folder)
-                               .arg(namesToTry);
+                               .arg(folder, QString::number(namesToTry));
     return {reason, {QLatin1String(unableToCreateMessage)}};
 }
 

@@ -73,6 +73,21 @@ TEST(SignalRankModel, BarFillsFollowTheFirstMatchingRule)
     EXPECT_EQ(model.labels().active, QString());
 }
 
+TEST(SignalRankModel, LabelKeepsTheBroadcastNameAndItsSignalApart)
+{
+    SignalRankModel model;
+    scanning::WiFiScanTest test;
+    scan::ScanedResultInfo percent = named("P1", "50%1 off", -50);
+    scan::ScanedResultInfo turned = named("T1", "", -60);
+    turned.ssid = QStringLiteral("abc\u202Edef");
+    model.addPlotToGraph(percent.bssid, percent);
+    model.addPlotToGraph(turned.bssid, turned);
+    model.highlightGraph(QStringLiteral("P1"), test);
+    EXPECT_EQ(model.labels().selected, QStringLiteral("50%1 off    -50 "));
+    model.highlightGraph(QStringLiteral("T1"), test);
+    EXPECT_EQ(model.labels().selected, QStringLiteral("\u2068abc\u202Edef\u2069    -60 "));
+}
+
 TEST(GraphViewTabSet, RoutesEachNetworkToItsBandAndBringsThatTabForward)
 {
     core::MemorySettings settings;

@@ -41,6 +41,15 @@ TEST(ConnectedReport, EveryPlaceholderIsFilledAndAirTextIsEscaped)
         EXPECT_TRUE(page.contains(QLatin1String(text))) << text;
 }
 
+TEST(ConnectedReport, AirTextThatReadsLikeAPlaceholderStaysText)
+{
+    ConnectedReportValues values = connectedValues();
+    values.fields.ssid = "{RSSI}<b>{GCE}";
+    values.record.groupDataChiperEncryption = "CCMP";
+    const QString page = connectedReportHtml("[{SSID}|{RSSI}|{GCE}|{BODY}]", values, now);
+    EXPECT_TRUE(page.startsWith("[{RSSI}&lt;b&gt;{GCE}|-50 dBm|CCMP|{BODY}]")) << page.toStdString();
+}
+
 TEST(ConnectedReport, FallbackTemplateKeepsBodyAndPowerOffEmptiesTheFields)
 {
     ConnectedReportValues off;

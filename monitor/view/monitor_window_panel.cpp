@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 namespace monitor::view {
@@ -57,6 +58,8 @@ MonitorWindowPanel::MonitorWindowPanel(scan::ScanedResultInfo selectedNetwork,
     closeButton->setObjectName(QStringLiteral("monitorCloseButton"));
     closeButton->setAccessibleName(QStringLiteral("Close monitor"));
     connect(closeButton, &QPushButton::clicked, this, &QWidget::close);
+    // A window of its own rather than a dialog, so Escape is not wired up by Qt.
+    new QShortcut(QKeySequence::Cancel, this, this, &QWidget::close);
 
     auto* controls = new QHBoxLayout;
     controls->addWidget(beeperSwitch_);
@@ -100,6 +103,8 @@ void MonitorWindowPanel::initWindowToShow()
     showGraph();
     show();
     raise();
+    // Opened from the keyboard (Ctrl+M), it should take the keys next, Escape included.
+    activateWindow();
 }
 
 void MonitorWindowPanel::closeEvent(QCloseEvent* event)

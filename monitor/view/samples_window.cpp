@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QShortcut>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -42,6 +43,8 @@ WiFiShowSamplesWindow::WiFiShowSamplesWindow(scanning::TimerSource& timers, std:
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(top);
     layout->addWidget(samplesTable_, 1);
+    // A window of its own rather than a dialog, so Escape is not wired up by Qt.
+    new QShortcut(QKeySequence::Cancel, this, this, &QWidget::close);
     resize(560, 420);
 }
 

@@ -88,21 +88,23 @@ FilterBar::FilterBar(scanning::ScanTestDriver& driver, QWidget* parent)
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    auto caption = [this](const QString& text) {
+    // The buddy makes each caption the label a screen reader reads out for its field.
+    auto caption = [this](const QString& text, QWidget* field) {
         auto* label = new QLabel(text, this);
         label->setTextFormat(Qt::PlainText);
+        label->setBuddy(field);
         return label;
     };
-    layout->addWidget(caption(tr("Name")));
+    layout->addWidget(caption(tr("Name"), name_));
     layout->addWidget(name_, 2);
     layout->addWidget(firstAndOr_);
-    layout->addWidget(caption(tr("Channel")));
+    layout->addWidget(caption(tr("Channel"), channel_));
     layout->addWidget(channel_, 1);
     layout->addWidget(secondAndOr_);
-    layout->addWidget(caption(tr("Band")));
+    layout->addWidget(caption(tr("Band"), band_));
     layout->addWidget(band_);
     layout->addWidget(thirdAndOr_);
-    layout->addWidget(caption(tr("Signal")));
+    layout->addWidget(caption(tr("Signal"), signal_));
     layout->addWidget(signal_, 1);
     layout->addWidget(strongerOrWeaker_);
     layout->addWidget(buttonFor(apply_, QStringLiteral("applyFilterButton"), this));

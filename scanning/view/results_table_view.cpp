@@ -13,6 +13,7 @@
 #include <QClipboard>
 #include <QHeaderView>
 #include <QItemSelectionModel>
+#include <QKeyEvent>
 #include <QMenu>
 
 #include <algorithm>
@@ -174,6 +175,24 @@ void ResultsTableView::cellDoubleClicked(const QModelIndex& index)
     const scan::record_columns::RecordColumn* column = items_->columnAt(index.column());
     if (column != nullptr)
         results_.monitorSelected(column->identifier, index.row());
+}
+
+// Return does on the current cell what a click on the join button or a double click does, so
+// joining and the samples and tag windows are in reach without a mouse.
+void ResultsTableView::keyPressEvent(QKeyEvent* event)
+{
+    const QModelIndex current = currentIndex();
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const scan::record_columns::RecordColumn* column = items_->columnAt(current.column());
+    if (!enter || (event->modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier || column == nullptr) {
+        QTableView::keyPressEvent(event);
+        return;
+    }
+    if (column->identifier == QLatin1String("join"))
+        results_.joinButtonPressed(current.row());
+    else
+        cellDoubleClicked(current);
+    event->accept();
 }
 
 void ResultsTableView::copySelectedRows()

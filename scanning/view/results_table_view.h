@@ -22,7 +22,7 @@ class ResultsTableItemModel;
 namespace scanning::view {
 
 // The results table: a view over the results item model that hands header clicks, row
-// selection, ticks, copying and double clicks to the results table logic.
+// selection, ticks, copying and double clicks (or Return on a cell) to the results table logic.
 class ResultsTableView : public QTableView {
     Q_OBJECT
 public:
@@ -41,6 +41,9 @@ public:
 
 signals:
     void samplesWindowRequested(const QString& header, const QList<scan::ScanedResultInfo>& history);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void headerClicked(int section);

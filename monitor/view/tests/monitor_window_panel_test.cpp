@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -32,7 +33,7 @@ public:
     }
 };
 
-TEST(MonitorWindowPanel, RescansFillTheFieldsAndGraphAndCloseStopsThem)
+TEST(MonitorWindowPanel, RescansFillTheFieldsAndGraphAndEscapeStopsThem)
 {
     static int argc = 1;
     static char name[] = "monitor";
@@ -74,11 +75,14 @@ TEST(MonitorWindowPanel, RescansFillTheFieldsAndGraphAndCloseStopsThem)
     EXPECT_EQ(graph->graph().x.location, 60.0);
     EXPECT_EQ(graph->graph().x.length, -60.0);
 
-    // The switch beeps at the rescanned signal until the window closes.
+    // The switch beeps at the rescanned signal until Escape closes the window.
     window.findChild<QPushButton*>(QStringLiteral("beeperSwitch"))->click();
     timers.advance(900ms);
     EXPECT_EQ(beeps, 2);
-    window.close();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QTest::keyClick(&window, Qt::Key_Escape);
+    EXPECT_FALSE(window.isVisible());
     EXPECT_FALSE(window.networkMonitor().isOpen());
     EXPECT_FALSE(window.findChild<QPushButton*>(QStringLiteral("beeperSwitch"))->isChecked());
     EXPECT_EQ(timers.activeTimerCount(), 0);

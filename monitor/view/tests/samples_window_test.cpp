@@ -67,7 +67,7 @@ TEST_F(SamplesWindowTest, ShowsTheSamplesNewestFirstUnderAPlainTextHeader)
         EXPECT_FALSE(control->accessibleName().isEmpty());
 }
 
-TEST_F(SamplesWindowTest, AudioTrackingFollowsTheNewestSampleAndStopsOnClose)
+TEST_F(SamplesWindowTest, AudioTrackingFollowsTheNewestSampleAndStopsWhenEscapeCloses)
 {
     window.showSamples({sample(-45, -92, 20)}, QStringLiteral("cafe"));
     button()->click();
@@ -79,7 +79,10 @@ TEST_F(SamplesWindowTest, AudioTrackingFollowsTheNewestSampleAndStopsOnClose)
     timers.advance(900ms);
     EXPECT_EQ(beeps, 3);
 
-    window.close();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QTest::keyClick(&window, Qt::Key_Escape);
+    EXPECT_FALSE(window.isVisible());
     EXPECT_FALSE(button()->isChecked());
     EXPECT_EQ(timers.activeTimerCount(), 0);
     timers.advance(5s);

@@ -109,7 +109,8 @@ protected:
     scanning::ScanDatabase database{folder.filePath(QStringLiteral("Database.sqlite"))};
     core::MemorySettings settings{{{QStringLiteral("mergeScanResults"), 0},
                                    {QStringLiteral("channelColumnVisible"), true},
-                                   {QStringLiteral("bssidTagColumnVisible"), true}}};
+                                   {QStringLiteral("bssidTagColumnVisible"), true},
+                                   {QStringLiteral("joinColumnVisible"), true}}};
     scanning::ScanTestDriver driver{interface, database, settings, timers, runner, QStringLiteral("/opt/skyvane/skyvane-cli"),
                                     {QStringLiteral("--simulate")}};
     scanning::ResultsTableModel results{settings};
@@ -277,6 +278,34 @@ TEST_F(ScannerTabTest, UntrustedTextsStayLiteral)
     dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Save)->click();
     EXPECT_EQ(settings.value(QStringLiteral("10:20:30:40:50:60")).toString(), "<i>t</i>");
     EXPECT_EQ(column("bssidTag").at(row), "<i>t</i>");
+}
+
+TEST_F(ScannerTabTest, ReturnOnACellJoinsOrOpensItsWindowAsTheMouseWould)
+{
+    start();
+    QTableView* view = tab.resultsView();
+    const int row = static_cast<int>(column("ssid").indexOf(QStringLiteral("Home")));
+    QStringList joined;
+    int samplesOpened = 0;
+    QObject::connect(&results, &scanning::ResultsTableModel::joinWindowRequested, view,
+                     [&](const scan::ScanedResultInfo& record) { joined << record.ssid; });
+    QObject::connect(&results, &scanning::ResultsTableModel::samplesWindowRequested, view, [&] { ++samplesOpened; });
+    const auto returnOn = [&](const char* identifier) {
+        view->setCurrentIndex(items().index(row, items().columnOf(QLatin1String(identifier))));
+        QTest::keyClick(view, Qt::Key_Return);
+    };
+    returnOn("join");
+    EXPECT_EQ(joined, QStringList{"Home"});
+    returnOn("ssid");
+    EXPECT_EQ(samplesOpened, 1);
+    returnOn("bssidTag");
+    EXPECT_NE(tab.findChild<scanning::view::BssidTagDialog*>(), nullptr);
+
+    const QModelIndex tick = items().index(row, items().columnOf(QStringLiteral("checkbox")));
+    const QVariant before = tick.data(Qt::CheckStateRole);
+    view->setCurrentIndex(tick);
+    QTest::keyClick(view, Qt::Key_Space);
+    EXPECT_NE(items().index(row, tick.column()).data(Qt::CheckStateRole), before);
 }
 
 TEST_F(ScannerTabTest, ExportWritesOffTheGuiThreadAndReportsAMissingSelection)
