@@ -1,6 +1,7 @@
 #include "monitor/network_monitor.h"
 
 #include "core/units.h"
+#include "scan/record_builder.h"
 #include "scan/scanner_utils.h"
 
 #include <algorithm>
@@ -92,7 +93,9 @@ bool NetworkMonitor::takeFound(const QList<platform::ScanResult>& networks)
         if (match == networks.end())
             return false;
         selectedNetwork_.rssi = match->rssiValue;
-        selectedNetwork_.noise = match->noiseMeasurement;
+        // The same floor the table shows for an unmeasured noise, so the two never disagree.
+        selectedNetwork_.noise = scan::noiseOrTypicalFloor(
+            match->noiseMeasurement, core::bandGhz(match->channelBand, match->channelNumber));
         texts_.name = match->ssid;
         texts_.bssid = normalizedBSSID_;
         texts_.phy = scan::ScannerUtils::getSupportedPHYModeString(*match, generation);

@@ -37,6 +37,17 @@ void decodeElements(ScanedResultInfo& record, const platform::ScanResult* networ
 
 } // namespace
 
+int noiseOrTypicalFloor(int noise, double channelBond)
+{
+    if (noise != 0)
+        return noise;
+    if (channelBond < 3.0)
+        return -92;
+    if (channelBond > 3.0)
+        return -94;
+    return noise;
+}
+
 ScanedResultInfo buildRecord(const StoredObservation& row,
                              std::shared_ptr<const platform::ScanResult> network,
                              core::InterfaceGeneration generation, const core::UserSettings& settings,
@@ -66,13 +77,7 @@ ScanedResultInfo buildRecord(const StoredObservation& row,
     if (record.channelWidth >= 80)
         record.channelOffset = 0;
 
-    // A noise of 0 means the service did not measure it; assume the typical floor of the band.
-    if (record.noise == 0) {
-        if (record.channelBond < 3.0)
-            record.noise = -92;
-        else if (record.channelBond > 3.0)
-            record.noise = -94;
-    }
+    record.noise = noiseOrTypicalFloor(record.noise, record.channelBond);
     record.singnalToNoise = record.rssi - record.noise;
     if (record.singnalToNoise < 0)
         record.singnalToNoise = 0;

@@ -37,6 +37,10 @@ ScanedResultInfo buildRecord(const StoredObservation& row,
                              core::InterfaceGeneration generation, const core::UserSettings& settings,
                              const QHash<QString, QString>* securityTexts = nullptr);
 
+// A noise of 0 means the service did not measure it: the typical floor of the band instead
+// (-92 dBm at 2.4 GHz, -94 dBm at 5 GHz); a measured value, or an unknown band, stays.
+int noiseOrTypicalFloor(int noise, double channelBond);
+
 // The stored observation the driver would write for a scan result, with the SSID text as given.
 StoredObservation observationFromScanResult(const platform::ScanResult& network, const QDateTime& seen,
                                             core::InterfaceGeneration generation);

@@ -116,6 +116,11 @@ TEST_F(NetworkMonitorTest, RescanOffTheGuiThreadUpdatesOnlyWhenTheBssidIsFound)
     EXPECT_EQ(failed.first().first().toString(), QStringLiteral("Device or resource busy"));
     EXPECT_EQ(m.texts().signal, QStringLiteral("-45, -92 (47)"));
     EXPECT_EQ(m.graphPointsForMonitor().noiseDataPoints(), QList<int>{-92});
+
+    // An unmeasured noise gets the band's floor, as the results table shows it.
+    interface->outcomes = {{{heard("00:11:22:AA:BB:CC", -50, 0)}, {}}};
+    ASSERT_TRUE(rescan(m));
+    EXPECT_EQ(m.texts().signal, QStringLiteral("-50, -94 (44)"));
 }
 
 TEST_F(NetworkMonitorTest, BeepFollowsEachRescanAndCloseStopsEverything)
