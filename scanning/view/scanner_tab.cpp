@@ -44,12 +44,14 @@ ScannerTab::ScannerTab(scanning::ScanTestDriver& driver, scanning::ResultsTableM
     resultsLayout->addWidget(filter_);
     resultsSplitter_ = new QSplitter(Qt::Vertical, resultsSide);
     resultsSplitter_->setObjectName(QStringLiteral("resultsSplitter"));
+    resultsSplitter_->setAccessibleName(tr("Results and graphs"));
     resultsSplitter_->setChildrenCollapsible(false);
     resultsSplitter_->addWidget(table_);
     resultsLayout->addWidget(resultsSplitter_, 1);
 
     scannerSplitter_ = new QSplitter(Qt::Horizontal, this);
     scannerSplitter_->setObjectName(QStringLiteral("scannerSplitter"));
+    scannerSplitter_->setAccessibleName(tr("Tests and results"));
     scannerSplitter_->addWidget(tests_);
     scannerSplitter_->addWidget(resultsSide);
     scannerSplitter_->setStretchFactor(1, 1);
