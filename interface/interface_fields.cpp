@@ -98,17 +98,26 @@ QString channelWithOffset(const QString& channel, std::int64_t offset)
     return channel;
 }
 
+// What both release paths show whatever the power: the switch, Disconnect, the channel list,
+// the rates and the streams.
+InterfaceFields fieldsShownWhilePoweredOff(const platform::InterfaceSnapshot& link, const scan::ScanedResultInfo& record,
+                                           const QString& supportedChannels)
+{
+    InterfaceFields f;
+    f.powerSegment = link.powerOn ? 0 : 1;
+    f.disconnectEnabled = link.interfaceState == platform::InterfaceStateRunning;
+    f.supportedChannels = supportedChannels;
+    f.supportedDataRates = dataRatesText(record);
+    if (record.numberOfStreams != 0)
+        f.streams = QString::number(record.numberOfStreams);
+    return f;
+}
+
 InterfaceFields olderFields(const platform::InterfaceSnapshot& link, const scan::ScanedResultInfo& record,
                             const QList<int>& channels, const QString& mcsInx)
 {
     constexpr auto generation = core::InterfaceGeneration::OldestRelease;
-    InterfaceFields f;
-    f.powerSegment = link.powerOn ? 0 : 1;
-    f.disconnectEnabled = link.interfaceState == platform::InterfaceStateRunning;
-    f.supportedChannels = olderChannelList(channels);
-    f.supportedDataRates = dataRatesText(record);
-    if (record.numberOfStreams != 0)
-        f.streams = QString::number(record.numberOfStreams);
+    InterfaceFields f = fieldsShownWhilePoweredOff(link, record, olderChannelList(channels));
     if (!link.powerOn)
         return f;
     const bool hasBssid = ScannerUtils::hasValue(link.bssid);
@@ -141,13 +150,7 @@ InterfaceFields laterFields(const platform::InterfaceSnapshot& link, const scan:
                             const QList<int>& channels, const QString& mcsInx)
 {
     constexpr auto generation = core::InterfaceGeneration::Later;
-    InterfaceFields f;
-    f.powerSegment = link.powerOn ? 0 : 1;
-    f.disconnectEnabled = link.interfaceState == platform::InterfaceStateRunning;
-    f.supportedChannels = laterChannelList(channels);
-    f.supportedDataRates = dataRatesText(record);
-    if (record.numberOfStreams != 0)
-        f.streams = QString::number(record.numberOfStreams);
+    InterfaceFields f = fieldsShownWhilePoweredOff(link, record, laterChannelList(channels));
     if (!link.powerOn)
         return f;
     const bool hasBssid = ScannerUtils::hasValue(link.bssid);
