@@ -118,7 +118,7 @@ void PlotView::paintEvent(QPaintEvent*)
     QPainter painter(this);
     if (!cache_.isNull())
         painter.drawImage(QRectF(rect()), cache_);
-    if (!overlayPlots_.isEmpty() || overlayAnnotation_)
+    if (hasOverlay())
         renderOverlay(graph_, overlayPlots_, overlayAnnotation_, painter, QSizeF(size()));
     if (hasFocus()) {
         painter.setPen(QPen(palette().color(QPalette::Highlight), 2.0));
@@ -176,10 +176,10 @@ void PlotView::keyPressEvent(QKeyEvent* event)
         emit stepRequested(Step::Last);
         return;
     case Qt::Key_Escape: {
-        // With nothing on show, Escape still belongs to the window (a dialog closes on it).
-        const bool shown = !overlayPlots_.isEmpty() || overlayAnnotation_.has_value();
+        // Escape belongs to the window (a dialog closes on it) unless it took an overlay away.
+        const bool shown = hasOverlay();
         emit dismissRequested();
-        event->setAccepted(shown);
+        event->setAccepted(shown && !hasOverlay());
         return;
     }
     default:

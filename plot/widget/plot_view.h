@@ -75,6 +75,7 @@ protected:
 
 private:
     void scheduleRender();
+    bool hasOverlay() const { return !overlayPlots_.isEmpty() || overlayAnnotation_.has_value(); }
     void accept(quint64 generation, const QImage& image);
 
     Graph graph_;
