@@ -42,8 +42,8 @@ public:
     bool renderPending() const { return renderWhenShown_ || shownGeneration_ != generation_; }
     Geometry plotGeometry() const { return Geometry(graph_, QSizeF(size())); }
 
-    // The index one step away from current (-1: none yet) among count items, held at the
-    // ends; -1 when there are none.
+    // The index one step away from current among count items, held at the ends; from none yet
+    // (-1), Next starts at the first and Previous at the last. -1 when there are no items.
     static int stepped(int current, int count, Step step);
     // The same among points of the graph (data values) taken in their order across the view,
     // whichever way its x axis runs.
