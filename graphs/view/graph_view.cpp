@@ -3,6 +3,7 @@
 #include "graphs/view/scene_style.h"
 
 #include <QEvent>
+#include <QStringList>
 
 namespace graphs::view {
 
@@ -22,7 +23,28 @@ void GraphView::refresh()
 {
     refreshSoon_.stop();
     setGraph(build_(theme_));
-    setAccessibleDescription(describe_());
+    describe();
+}
+
+void GraphView::setPointedAt(const QString& text)
+{
+    // The annotation's lines are padded for the picture; a listener hears them as one phrase.
+    QStringList parts;
+    for (const QString& line : text.split(QLatin1Char('\n'))) {
+        if (!line.trimmed().isEmpty())
+            parts << line.simplified();
+    }
+    const QString phrase = parts.join(QStringLiteral(", "));
+    if (phrase == pointedAt_)
+        return;
+    pointedAt_ = phrase;
+    describe();
+}
+
+void GraphView::describe()
+{
+    const QString summary = describe_();
+    setAccessibleDescription(pointedAt_.isEmpty() ? summary : tr("%1. %2").arg(summary, pointedAt_));
 }
 
 void GraphView::changeEvent(QEvent* event)

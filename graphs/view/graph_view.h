@@ -27,13 +27,19 @@ public:
     // Rebuilds the picture now.
     void refresh();
     const GraphTheme& theme() const { return theme_; }
+    // What the mouse or keyboard points at (an annotation's lines, a bar's name), spoken after
+    // the summary; empty when nothing is.
+    void setPointedAt(const QString& text);
 
 protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    void describe();
+
     SceneBuilder build_;
     Describer describe_;
+    QString pointedAt_;
     GraphTheme theme_;
     QTimer refreshSoon_;
 };

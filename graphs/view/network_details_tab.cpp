@@ -81,6 +81,8 @@ NetworkDetailsTab::NetworkDetailsTab(NetworkDetailsModel& model, QWidget* parent
     });
     connect(&model_, &NetworkDetailsModel::annotationMoved, this, &NetworkDetailsTab::showAnnotation);
     connect(view_, &plot::widget::PlotView::mouseMovedTo, this, &NetworkDetailsTab::followMouse);
+    connect(view_, &plot::widget::PlotView::stepRequested, this, &NetworkDetailsTab::step);
+    connect(view_, &plot::widget::PlotView::dismissRequested, this, [this] { showAnnotation(-1); });
     updateView();
 }
 
@@ -109,6 +111,16 @@ void NetworkDetailsTab::followMouse(const QPointF& spot)
         showAnnotation(nearest);
 }
 
+void NetworkDetailsTab::step(plot::widget::PlotView::Step step)
+{
+    const QList<DetailsLine> lines = model_.lines();
+    if (lines.isEmpty())
+        return;
+    const int index = view_->steppedAlong(lines.first().points, annotated_, step);
+    if (index != annotated_)
+        showAnnotation(index);
+}
+
 void NetworkDetailsTab::showAnnotation(int index)
 {
     const QList<scan::ScanedResultInfo>& samples = model_.sampledData();
@@ -116,6 +128,7 @@ void NetworkDetailsTab::showAnnotation(int index)
     if (index < 0 || index >= samples.size() || lines.isEmpty() || index >= lines.first().points.size()) {
         annotated_ = -1;
         view_->clearOverlay();
+        view_->setPointedAt({});
         return;
     }
     annotated_ = index;
@@ -125,7 +138,9 @@ void NetworkDetailsTab::showAnnotation(int index)
     const QPointF at = lines.first().points.at(index);
     // The line through a sample of "Signal" keeps that plot's own colour.
     SelectionLine line{{at.x(), signalFloorDbm}, {at.x(), 0.0}, lines.first().lineColour};
-    view_->setOverlay({selectionLinePlot(line)}, annotationAt(annotation.text(&samples.at(index)), at, view_->theme()));
+    const QString text = annotation.text(&samples.at(index));
+    view_->setOverlay({selectionLinePlot(line)}, annotationAt(text, at, view_->theme()));
+    view_->setPointedAt(text);
 }
 
 } // namespace graphs::view

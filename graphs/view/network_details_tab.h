@@ -14,7 +14,8 @@ class NetworkDetailsModel;
 }
 
 // The network details tab: signal and noise of the examined network over its last samples,
-// its channel, data rates, signal-to-noise ratio and streams, and the way to its samples.
+// its channel, data rates, signal-to-noise ratio and streams, and the way to its samples. The
+// "Signal" plot's samples can be followed with the mouse or stepped along with the arrow keys.
 namespace graphs::view {
 
 class NetworkDetailsTab : public QWidget {
@@ -38,6 +39,7 @@ signals:
 private:
     void updateView();
     void followMouse(const QPointF& spot);
+    void step(plot::widget::PlotView::Step step);
 
     NetworkDetailsModel& model_;
     GraphView* view_;

@@ -32,6 +32,8 @@ SignalHistoryTab::SignalHistoryTab(SignalHistoryModel& model, QWidget* parent)
     });
     connect(&model_, &SignalHistoryModel::annotationMoved, this, &SignalHistoryTab::showAnnotation);
     connect(view_, &plot::widget::PlotView::mouseMovedTo, this, &SignalHistoryTab::followMouse);
+    connect(view_, &plot::widget::PlotView::stepRequested, this, &SignalHistoryTab::step);
+    connect(view_, &plot::widget::PlotView::dismissRequested, this, [this] { showAnnotation(-1); });
 }
 
 int SignalHistoryTab::nearestSample(double x) const
@@ -60,18 +62,31 @@ void SignalHistoryTab::followMouse(const QPointF& spot)
         showAnnotation(index);
 }
 
+void SignalHistoryTab::step(plot::widget::PlotView::Step step)
+{
+    const std::optional<HistoryLine> line = model_.line(model_.highlightedGraphID());
+    if (!line)
+        return;
+    const int index = view_->steppedAlong(line->points, annotated_, step);
+    if (index != annotated_)
+        showAnnotation(index);
+}
+
 void SignalHistoryTab::showAnnotation(int index)
 {
     const std::optional<SelectionLine> line = model_.selectionLine(index);
     if (!line) {
         annotated_ = -1;
         view_->clearOverlay();
+        view_->setPointedAt({});
         return;
     }
     annotated_ = index;
     const std::optional<HistoryLine> history = model_.line(model_.highlightedGraphID());
     const QPointF anchor = history ? history->points.value(index) : line->to;
-    view_->setOverlay({selectionLinePlot(*line)}, annotationAt(model_.annotationText(index), anchor, view_->theme()));
+    const QString text = model_.annotationText(index);
+    view_->setOverlay({selectionLinePlot(*line)}, annotationAt(text, anchor, view_->theme()));
+    view_->setPointedAt(text);
 }
 
 } // namespace graphs::view

@@ -9,8 +9,8 @@ class SignalHistoryModel;
 }
 
 // The signal history tab: one line per network over the last twelve scans; the highlighted
-// line can be followed with the mouse, which shows the dashed selection line and the sample's
-// values beside it.
+// line can be followed with the mouse or, with the graph focused, stepped along with the arrow
+// keys; either shows the dashed selection line and the sample's values beside it.
 namespace graphs::view {
 
 class SignalHistoryTab : public QWidget {
@@ -25,6 +25,7 @@ public:
 
 private:
     void followMouse(const QPointF& spot);
+    void step(plot::widget::PlotView::Step step);
     int nearestSample(double x) const;
 
     SignalHistoryModel& model_;

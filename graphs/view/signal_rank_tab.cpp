@@ -94,6 +94,10 @@ SignalRankTab::SignalRankTab(SignalRankModel& model, QWidget* parent)
     });
     connect(view_, &plot::widget::PlotView::mouseMovedTo, this, [this](const QPointF& spot) { hover(barAt(spot)); });
     connect(view_, &plot::widget::PlotView::mouseLeft, this, [this] { hover(-1); });
+    connect(view_, &plot::widget::PlotView::stepRequested, this, [this](plot::widget::PlotView::Step step) {
+        hover(plot::widget::PlotView::stepped(hoveredIndex_, static_cast<int>(model_.graphDataArray().size()), step));
+    });
+    connect(view_, &plot::widget::PlotView::dismissRequested, this, [this] { hover(-1); });
     showLabels();
 }
 
@@ -118,6 +122,8 @@ void SignalRankTab::showLabels()
     selected_->setText(plot::singleLine(labels.selected));
     hovered_->setText(plot::singleLine(labels.hovered));
     active_->setText(plot::singleLine(labels.active));
+    const QString hovered = plot::singleLine(labels.hovered);
+    view_->setPointedAt(hovered.trimmed().isEmpty() ? QString() : tr("Hovered: %1").arg(hovered));
 }
 
 } // namespace graphs::view

@@ -11,7 +11,8 @@ class SignalRankModel;
 }
 
 // The signal rank tab: a bar per network, strongest on the left, with the selected, hovered
-// and connected networks named above the bars and "Best" and "Worst" under their ends.
+// and connected networks named above the bars and "Best" and "Worst" under their ends. The
+// hovered bar follows the mouse, or the arrow, Home and End keys when the graph has the focus.
 namespace graphs::view {
 
 class SignalRankTab : public QWidget {

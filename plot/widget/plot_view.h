@@ -13,12 +13,18 @@
 
 // Shows a graph. The graph is rendered into an image on a thread of the view's own, so the GUI
 // thread only copies the finished picture and draws hover marks over it; a render that a newer
-// graph has overtaken is thrown away, never shown.
+// graph has overtaken is thrown away, never shown. With the keyboard focus it shows a frame and
+// turns the arrow keys into steps its owner interprets, since only the owner knows what its
+// points mean.
 namespace plot::widget {
 
 class PlotView : public QWidget {
     Q_OBJECT
 public:
+    // Left, Right, Home and End.
+    enum class Step { Previous, Next, First, Last };
+    Q_ENUM(Step)
+
     explicit PlotView(QWidget* parent = nullptr);
     ~PlotView() override;
 
@@ -36,6 +42,13 @@ public:
     bool renderPending() const { return renderWhenShown_ || shownGeneration_ != generation_; }
     Geometry plotGeometry() const { return Geometry(graph_, QSizeF(size())); }
 
+    // The index one step away from current among count items, held at the ends; from none yet
+    // (-1), Next starts at the first and Previous at the last. -1 when there are no items.
+    static int stepped(int current, int count, Step step);
+    // The same among points of the graph (data values) taken in their order across the view,
+    // whichever way its x axis runs.
+    int steppedAlong(const QList<QPointF>& points, int current, Step step) const;
+
     QSize sizeHint() const override { return {640, 360}; }
     QSize minimumSizeHint() const override { return {240, 160}; }
 
@@ -45,6 +58,9 @@ signals:
     void mouseMovedTo(const QPointF& data, const QPointF& pixel);
     void mouseLeft();
     void clickedAt(const QPointF& data);
+    void stepRequested(plot::widget::PlotView::Step step);
+    // Escape: whatever the owner points at should go.
+    void dismissRequested();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -52,10 +68,14 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:
     void scheduleRender();
+    bool hasOverlay() const { return !overlayPlots_.isEmpty() || overlayAnnotation_.has_value(); }
     void accept(quint64 generation, const QImage& image);
 
     Graph graph_;

@@ -11,9 +11,11 @@
 #include "scanning/wifi_scan_test.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTabBar>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -165,6 +167,90 @@ TEST_F(GraphTabs, SignalGraphsAnnotateTheSampleUnderTheMouse)
     ASSERT_EQ(requested.size(), 1);
     EXPECT_EQ(requested.first().at(0).toString(), QStringLiteral("SSID: net-01"));
     EXPECT_FALSE(details->showSamplesButton()->accessibleName().isEmpty());
+}
+
+TEST_F(GraphTabs, SignalGraphsStepTheAnnotationAlongTheLineFromTheKeyboard)
+{
+    scanning::WiFiScanTest test;
+    const QString a = QStringLiteral("AA:00:00:00:00:01");
+    const QList<scan::ScanedResultInfo> history = {graphs_test::sample(a, -50, 0), graphs_test::sample(a, -60, 10),
+                                                   graphs_test::sample(a, -70, 20)};
+    test.scanedResults.insert(a, history);
+    tabs.addPlotToGraph(a, history);
+    tabs.highlightGraph(a, test);
+    tabs.updateSSIDDetailsTab(a, test);
+    tabs.updateGraphDataPoints(history, a);
+
+    widget.setCurrentWidget(widget.signalHistory());
+    graphs::view::SignalHistoryTab* tab = widget.signalHistory();
+    graphs::view::GraphView* view = tab->graphView();
+    settle(view);
+    // Tab reaches the graph from the tab bar, and the focus shows as a frame over the picture.
+    widget.tabBar()->setFocus();
+    QTest::keyClick(widget.tabBar(), Qt::Key_Tab);
+    ASSERT_TRUE(view->hasFocus());
+    const QImage framed = view->grab().toImage();
+    EXPECT_NE(framed.pixelColor(framed.width() / 2, 1), view->cachedImage().pixelColor(framed.width() / 2, 1));
+
+    // Time runs backwards along this axis: Right starts at the oldest sample, on the left.
+    QTest::keyClick(view, Qt::Key_Right);
+    EXPECT_EQ(tab->annotatedSample(), 2);
+    QTest::keyClick(view, Qt::Key_Right);
+    EXPECT_EQ(tab->annotatedSample(), 1);
+    EXPECT_EQ(view->accessibleDescription(), QStringLiteral("Signal history graph, 1 networks. RSSI: -60 dBm, Time: 02:29:50"));
+    // The dashed line stands on the sample, as the mouse would have put it.
+    const QImage shown = view->grab().toImage();
+    const QPoint onLine = (view->plotGeometry().toPixel(QPointF(10.0, -20.0)) * shown.devicePixelRatio()).toPoint();
+    EXPECT_NE(shown.pixelColor(onLine), view->cachedImage().pixelColor(onLine));
+    QTest::keyClick(view, Qt::Key_End);
+    EXPECT_EQ(tab->annotatedSample(), 0);
+    QTest::keyClick(view, Qt::Key_Right);
+    EXPECT_EQ(tab->annotatedSample(), 0);
+    // Escape takes the annotation away; with none left it goes on to the window.
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QCoreApplication::sendEvent(view, &escape);
+    EXPECT_TRUE(escape.isAccepted());
+    EXPECT_EQ(tab->annotatedSample(), -1);
+    EXPECT_EQ(view->accessibleDescription(), QStringLiteral("Signal history graph, 1 networks"));
+    QKeyEvent again(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QCoreApplication::sendEvent(view, &again);
+    EXPECT_FALSE(again.isAccepted());
+
+    widget.setCurrentWidget(widget.networkDetails());
+    graphs::view::GraphView* details = widget.networkDetails()->graphView();
+    settle(details);
+    details->setFocus();
+    QTest::keyClick(details, Qt::Key_Home);
+    EXPECT_EQ(details->accessibleDescription(), QStringLiteral("Network details graph, signal and noise of AA:00:00:00:00:01, 1 "
+                                                               "samples. RSSI: -50 dBm, Noise: 0 dBm, SNR: 0 dB, Time: 02:30:00"));
+    QTest::keyClick(details, Qt::Key_Escape);
+    EXPECT_FALSE(details->accessibleDescription().contains(QStringLiteral("RSSI")));
+}
+
+TEST_F(GraphTabs, RankStepsTheHoveredBarFromTheKeyboard)
+{
+    scanning::WiFiScanTest test;
+    const QString strong = QStringLiteral("AA:00:00:00:00:01");
+    const QString weak = QStringLiteral("AA:00:00:00:00:02");
+    tabs.addPlotToGraph(strong, {network(strong, 6, -40)});
+    tabs.addPlotToGraph(weak, {network(weak, 11, -70)});
+    widget.setCurrentWidget(widget.signalRank());
+    graphs::view::SignalRankTab* rank = widget.signalRank();
+    graphs::view::GraphView* view = rank->graphView();
+    settle(view);
+    view->setFocus();
+
+    QTest::keyClick(view, Qt::Key_Right);
+    EXPECT_EQ(rank->hoverLabel()->text(), QStringLiteral("net-01    -40 "));
+    QTest::keyClick(view, Qt::Key_End);
+    EXPECT_EQ(rank->hoverLabel()->text(), QStringLiteral("net-02    -70 "));
+    EXPECT_EQ(view->accessibleDescription(), QStringLiteral("Signal rank graph, 2 networks, strongest first. Hovered: net-02 -70"));
+    QTest::keyClick(view, Qt::Key_Left);
+    QTest::keyClick(view, Qt::Key_Left);
+    EXPECT_EQ(rank->hoverLabel()->text(), QStringLiteral("net-01    -40 "));
+    QTest::keyClick(view, Qt::Key_Escape);
+    EXPECT_TRUE(rank->hoverLabel()->text().isEmpty());
+    EXPECT_EQ(view->accessibleDescription(), QStringLiteral("Signal rank graph, 2 networks, strongest first"));
 }
 
 } // namespace
