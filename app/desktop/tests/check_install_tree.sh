@@ -11,7 +11,7 @@ for file in bin/skyvane bin/skyvane-cli \
         share/icons/hicolor/scalable/apps/org.skyvane.Skyvane.svg \
         share/icons/hicolor/16x16/apps/org.skyvane.Skyvane.png share/icons/hicolor/48x48/apps/org.skyvane.Skyvane.png \
         share/icons/hicolor/256x256/apps/org.skyvane.Skyvane.png \
-        share/man/man1/skyvane.1 share/man/man1/skyvane-cli.1; do
+        share/man/man1/skyvane.1 share/man/man1/skyvane-cli.1 share/skyvane/sounds/skyvane-beep.wav; do
     [ -s "$prefix/$file" ] || { echo "missing after install: $file" >&2; status=1; }
 done
 grep -q 'simulate' "$prefix/share/man/man1/skyvane.1" || { echo "skyvane.1 lacks the options" >&2; status=1; }
