@@ -86,6 +86,14 @@ std::optional<QString> backendOptionsConflict(const app::BackendOptions& options
     return std::nullopt;
 }
 
+bool backendOptionsFit(const app::BackendOptions& options, QString* error)
+{
+    const std::optional<QString> conflict = backendOptionsConflict(options);
+    if (conflict)
+        *error = *conflict;
+    return !conflict;
+}
+
 QStringList backendArguments(const app::BackendOptions& backend)
 {
     QStringList arguments;

@@ -24,6 +24,8 @@ BackendOptionResult takeBackendOption(const QStringList& arguments, qsizetype& i
                                       QString* error);
 // nullopt when the backend options fit together, else why not.
 std::optional<QString> backendOptionsConflict(const app::BackendOptions& options);
+// The same as a parse step: false with *error saying why when the options do not fit together.
+bool backendOptionsFit(const app::BackendOptions& options, QString* error);
 
 // The options that make another run of skyvane-cli (the channel-information tool) see the same radio.
 QStringList backendArguments(const app::BackendOptions& options);

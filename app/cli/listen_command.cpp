@@ -180,10 +180,8 @@ std::optional<ListenRequest> parseListenArguments(const QStringList& arguments, 
         *error = listen ? QStringLiteral("listen needs --udp PORT or --tcp PORT") : QStringLiteral("no command");
         return std::nullopt;
     }
-    if (const auto conflict = backendOptionsConflict(request.backend)) {
-        *error = *conflict;
+    if (!backendOptionsFit(request.backend, error))
         return std::nullopt;
-    }
     return request;
 }
 

@@ -110,10 +110,8 @@ std::optional<MonitorRequest> parseMonitorArguments(const QStringList& arguments
         *error = QStringLiteral("monitor needs the BSSID of the access point to follow");
         return std::nullopt;
     }
-    if (const auto conflict = backendOptionsConflict(request.backend)) {
-        *error = *conflict;
+    if (!backendOptionsFit(request.backend, error))
         return std::nullopt;
-    }
     return request;
 }
 

@@ -66,10 +66,8 @@ std::optional<ReportRequest> parseReportArguments(const QStringList& arguments, 
         *error = QStringLiteral("report needs the file to write");
         return std::nullopt;
     }
-    if (const auto conflict = backendOptionsConflict(request.backend)) {
-        *error = *conflict;
+    if (!backendOptionsFit(request.backend, error))
         return std::nullopt;
-    }
     return request;
 }
 

@@ -135,10 +135,8 @@ std::optional<ScanRequest> parseScanArguments(const QStringList& arguments, QStr
         *error = QStringLiteral("choose either --count or --duration");
         return std::nullopt;
     }
-    if (const auto conflict = backendOptionsConflict(request.backend)) {
-        *error = *conflict;
+    if (!backendOptionsFit(request.backend, error))
         return std::nullopt;
-    }
     filter.userDidClickedApplyFilterButton();
     if (!filter.inputError.isEmpty()) {
         *error = filter.inputError;

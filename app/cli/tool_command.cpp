@@ -114,10 +114,8 @@ std::optional<ToolRequest> parseToolArguments(const QStringList& arguments, QStr
         *error = QStringLiteral("--interval and --count go with watch");
         return std::nullopt;
     }
-    if (const auto conflict = backendOptionsConflict(request.backend)) {
-        *error = *conflict;
+    if (!backendOptionsFit(request.backend, error))
         return std::nullopt;
-    }
     request.action = watch ? ToolAction::Watch
                      : link ? ToolAction::LinkReport
                      : xml  ? ToolAction::ScanPropertyList
